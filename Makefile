@@ -1,0 +1,45 @@
+# Entry points for people and CI. Everything runs on a fresh Debian 12 machine:
+# missing packages are installed first.
+BUILD      ?= build
+ASAN_BUILD ?= build-asan
+FUZZ_BUILD ?= build-fuzz
+JOBS       ?= $(shell nproc)
+
+.PHONY: all deps build demo test test-asan fuzz bench clean
+
+all: build
+
+deps:
+	scripts/install-deps.sh
+
+build: deps
+	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BUILD) -j $(JOBS)
+
+# Runs talp on the bundled examples.
+demo: build
+	scripts/demo.sh $(BUILD)/talp
+
+# Starts what the tests need, runs every test, stops what it started.
+test: build
+	scripts/run-tests.sh $(BUILD)
+
+# The same tests built with AddressSanitizer and UndefinedBehaviorSanitizer.
+test-asan: deps
+	cmake -S . -B $(ASAN_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTALP_SANITIZE=ON
+	cmake --build $(ASAN_BUILD) -j $(JOBS)
+	scripts/run-tests.sh $(ASAN_BUILD)
+
+# Real libFuzzer binaries (clang); run one with e.g. build-fuzz/fuzz/text_engine_fuzz fuzz/corpus/text_engine
+fuzz:
+	scripts/install-deps.sh clang libclang-rt-14-dev
+	CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTALP_FUZZ=ON -DTALP_SANITIZE=ON
+	cmake --build $(FUZZ_BUILD) -j $(JOBS) --target text_engine_fuzz
+
+bench: deps
+	cmake -S . -B build-release -G Ninja -DCMAKE_BUILD_TYPE=Release
+	cmake --build build-release -j $(JOBS) --target talp_bench
+	build-release/bench/talp_bench
+
+clean:
+	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) build-release

@@ -1,0 +1,152 @@
+// The host services the system uses: alerts, the process exit, file streams,
+// the script runner with its named argument store, and host settings.
+//
+// Everything goes through one replaceable HostServices object, so that a real
+// host, the command-line tool or a test can supply its own. The default one is
+// for this platform (alerts on standard error, real exit, POSIX files, no
+// script runner). Install another with ScopedHostServices; the services
+// object itself must outlive its installation. Installing is not thread-safe.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "talp/pm_string.h"
+
+namespace talp::host {
+
+// A file open for reading, positioned at its start.
+class FileReadStream {
+ public:
+  virtual ~FileReadStream() = default;
+  virtual bool IsGood() const = 0;
+  virtual std::int64_t Size() const = 0;  // -1 when unknown
+  // Moves to offset from the start; false when that is not possible.
+  virtual bool Seek(std::int64_t offset) = 0;
+  // Reads up to n bytes into buffer; returns how many were read (0 at the end).
+  virtual std::size_t Read(void* buffer, std::size_t n) = 0;
+};
+
+// A file being written. Nothing reaches the target path until Commit, which
+// replaces it in one step (data flushed to disk first, permissions kept).
+// Destroying an uncommitted stream leaves the target as it was.
+class FileWriteStream {
+ public:
+  virtual ~FileWriteStream() = default;
+  // Appends n bytes; false after any failure (a full disk, say).
+  virtual bool Write(const void* data, std::size_t n) = 0;
+  // Flushes and puts the file in place; false when the target was not replaced.
+  virtual bool Commit() = 0;
+};
+
+// Runs one kind of script file for the host.
+class IScriptRunner {
+ public:
+  virtual ~IScriptRunner() = default;
+  virtual bool CanRunFile(const PMString& scriptPath) = 0;
+  // The outcome of the run is the script's business; nothing is reported.
+  virtual void RunFile(const PMString& scriptPath) = 0;
+};
+
+// The host's named script arguments, through which scripts receive and
+// return text. Save and Restore bracket one run so that its values do not
+// reach the next one.
+class ScriptArgumentStore {
+ public:
+  void Set(const PMString& name, const PMString& value) { values_[name] = value; }
+  // The value of name, or an empty text when it is not set.
+  PMString Get(const PMString& name) const;
+  void Save() { saved_.push_back(values_); }
+  void Restore();
+  void ClearAll() { values_.clear(); }
+
+ private:
+  std::map<PMString, PMString> values_;
+  std::vector<std::map<PMString, PMString>> saved_;
+};
+
+class HostServices {
+ public:
+  virtual ~HostServices() = default;
+
+  // Shows a message to the user; returns when it has been shown.
+  virtual void InformationAlert(const PMString& message) = 0;
+  // Ends the process with status. The platform host really exits; a test
+  // host may throw instead, but must not return.
+  virtual void ExitProcess(int status) = 0;
+
+  // Opens path for reading; null when it cannot be opened.
+  virtual std::unique_ptr<FileReadStream> OpenFileRead(const PMString& path) = 0;
+  // Starts a replacement of path, tagged with the four-character type and
+  // creator codes where the file system keeps them; null when impossible.
+  virtual std::unique_ptr<FileWriteStream> OpenFileWrite(const PMString& path, std::uint32_t fileType,
+                                                         std::uint32_t creator) = 0;
+
+  // A runner able to run scriptPath, or null when the host has none.
+  virtual std::unique_ptr<IScriptRunner> FindScriptRunner(const PMString& scriptPath) = 0;
+  virtual ScriptArgumentStore& ScriptArguments() = 0;
+
+  // The host setting "localizedDecimal": the user's decimal separator.
+  virtual PMString LocalizedDecimal() const = 0;
+};
+
+// The services of this platform: alerts as "alert: MESSAGE" lines on standard
+// error, a real exit, POSIX files, no script runner, "." as decimal separator.
+class PlatformHostServices : public HostServices {
+ public:
+  void InformationAlert(const PMString& message) override;
+  void ExitProcess(int status) override;
+  std::unique_ptr<FileReadStream> OpenFileRead(const PMString& path) override;
+  std::unique_ptr<FileWriteStream> OpenFileWrite(const PMString& path, std::uint32_t fileType,
+                                                 std::uint32_t creator) override;
+  std::unique_ptr<IScriptRunner> FindScriptRunner(const PMString& scriptPath) override;
+  ScriptArgumentStore& ScriptArguments() override { return arguments_; }
+  PMString LocalizedDecimal() const override { return "."; }
+
+ private:
+  ScriptArgumentStore arguments_;
+};
+
+// The services in force.
+HostServices& Host();
+
+// Installs services for the lifetime of this object, then puts back the
+// previous ones.
+class ScopedHostServices {
+ public:
+  explicit ScopedHostServices(HostServices& services);
+  ~ScopedHostServices();
+  ScopedHostServices(const ScopedHostServices&) = delete;
+  ScopedHostServices& operator=(const ScopedHostServices&) = delete;
+
+ private:
+  HostServices* previous_;
+};
+
+// The whole content of the file at path, read through the host's streams;
+// nullopt when it cannot be opened.
+std::optional<std::string> ReadWholeFile(const PMString& path);
+
+// Ends the process through the host. Used by the system's two deliberate
+// exits; never returns.
+[[noreturn]] void EndProcess(int status);
+
+// Packs a four-character code such as "TEXT" into its 32-bit value.
+constexpr std::uint32_t FourCharCode(const char (&code)[5]) {
+  return (std::uint32_t{static_cast<unsigned char>(code[0])} << 24) |
+         (std::uint32_t{static_cast<unsigned char>(code[1])} << 16) |
+         (std::uint32_t{static_cast<unsigned char>(code[2])} << 8) | std::uint32_t{static_cast<unsigned char>(code[3])};
+}
+
+}  // namespace talp::host
+
+// The host's modal information alert.
+class CAlert {
+ public:
+  static void InformationAlert(const PMString& message) { talp::host::Host().InformationAlert(message); }
+};

@@ -1,0 +1,43 @@
+// UTF-8 and UTF-16 conversions shared by the host strings and file code.
+// Decoding never fails: every malformed UTF-8 byte and every lone surrogate
+// becomes U+FFFD where a well-formed result is required.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace talp::utf {
+
+inline constexpr char32_t kReplacement = 0xFFFD;
+
+inline bool IsHighSurrogate(char32_t u) { return u >= 0xD800 && u <= 0xDBFF; }
+inline bool IsLowSurrogate(char32_t u) { return u >= 0xDC00 && u <= 0xDFFF; }
+inline bool IsSurrogate(char32_t u) { return u >= 0xD800 && u <= 0xDFFF; }
+
+// Reads the character that starts at units[i] and advances i past it. A
+// well-formed surrogate pair is one character; a lone surrogate is returned
+// as its own value. Precondition: i < units.size().
+inline char32_t NextChar(std::u16string_view units, std::size_t& i) {
+  char32_t u = units[i++];
+  if (IsHighSurrogate(u) && i < units.size() && IsLowSurrogate(units[i])) {
+    char32_t low = units[i++];
+    return 0x10000 + ((u - 0xD800) << 10) + (low - 0xDC00);
+  }
+  return u;
+}
+
+// Appends c as UTF-16: one unit, or a pair above U+FFFF. Values above
+// U+10FFFF become U+FFFD.
+void AppendUTF16(std::u16string& out, char32_t c);
+
+// Appends c as UTF-8; surrogates and values above U+10FFFF become U+FFFD.
+void AppendUTF8(std::string& out, char32_t c);
+
+// Decodes UTF-8 into UTF-16, appending to out.
+void DecodeUTF8(std::string_view bytes, std::u16string& out);
+
+// Encodes UTF-16 as UTF-8, appending to out.
+void EncodeUTF8(std::u16string_view units, std::string& out);
+
+}  // namespace talp::utf

@@ -1,0 +1,74 @@
+#include "talp/talp_remote.h"
+
+#include "remote/dispatch.h"
+#include "remote/source_table.h"
+
+IPMUnknown* TALPRemote::QueryInterface(PMIID interfaceID) const {
+  if (owner_ == nullptr) return nullptr;
+  if (interfaceID == IID_IPMUNKNOWN) {
+    owner_->AddRef();
+    return owner_;
+  }
+  return owner_->QueryInterface(interfaceID);
+}
+
+void TALPRemote::AddRef() const {
+  if (owner_ != nullptr) owner_->AddRef();
+}
+
+void TALPRemote::Release() const {
+  if (owner_ != nullptr) owner_->Release();
+}
+
+using talp::RealSources;
+namespace dispatch = talp::dispatch;
+
+int TALPRemote::GetDatabaseList(PMString descriptor, WideString& result) {
+  return dispatch::GetDatabaseList(RealSources(), descriptor, result);
+}
+
+int TALPRemote::GetTableList(PMString descriptor, WideString& result) {
+  return dispatch::GetTableList(RealSources(), descriptor, result);
+}
+
+int TALPRemote::GetColumnList(PMString descriptor, WideString styling, WideString& result) {
+  return dispatch::GetColumnList(RealSources(), descriptor, styling, result);
+}
+
+int TALPRemote::GetRecordList(PMString descriptor, WideString& result, PMString search, long p4) {
+  return dispatch::GetRecordList(RealSources(), descriptor, result, search, p4);
+}
+
+int TALPRemote::GetRecordLoop(PMString descriptor, WideString& result, PMString where) {
+  return dispatch::GetRecordLoop(RealSources(), descriptor, result, where);
+}
+
+int TALPRemote::GetSpecificRecord(PMString descriptor, PMString keyValue, WideString styling, WideString& result) {
+  return dispatch::GetSpecificRecord(RealSources(), descriptor, keyValue, styling, result);
+}
+
+int TALPRemote::SendUpdateBaseFieldWithInfo(WideString value, PMString updateField, PMString keyValue, PMString host,
+                                            int port, PMString user, PMString password, PMString database,
+                                            PMString table, PMString keyField, PMString sourceType, PMString dsn,
+                                            PMString filePath) {
+  return dispatch::SendUpdateBaseFieldWithInfo(RealSources(), value, updateField, keyValue, host, port, user, password,
+                                               database, table, keyField, sourceType, dsn, filePath);
+}
+
+int TALPRemote::SendConnectWithInfoSQL(WideString statement, PMString host, int port, PMString user,
+                                       PMString password, PMString database, PMString extra) {
+  return dispatch::SendConnectWithInfoSQL(RealSources(), statement, host, port, user, password, database, extra);
+}
+
+void TALPRemote::SendUsingHttpPost(PMString url, int port, PMString filePath, PMString filePathValue,
+                                   PMString fileName) {
+  dispatch::SendUsingHttpPost(RealSources(), url, port, filePath, filePathValue, fileName);
+}
+
+void TALPRemote::GetUsingHttpPost(PMString url, int port, WideString& result) {
+  dispatch::GetUsingHttpPost(RealSources(), url, port, result);
+}
+
+void TALPRemote::GetGroupDataLoop(PMString descriptor, WideString styling, WideString& result, PMString query) {
+  dispatch::GetGroupDataLoop(RealSources(), descriptor, styling, result, query);
+}

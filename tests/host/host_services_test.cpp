@@ -1,0 +1,135 @@
+#include "talp/host_services.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "test_host.h"
+
+namespace talp::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+class TempFolder {
+ public:
+  TempFolder() {
+    std::string pattern = (fs::temp_directory_path() / "talp-host-XXXXXX").string();
+    path_ = ::mkdtemp(pattern.data());
+  }
+  ~TempFolder() { fs::remove_all(path_); }
+  fs::path operator/(const std::string& name) const { return path_ / name; }
+  std::size_t EntryCount() const {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(path_), fs::directory_iterator()));
+  }
+
+ private:
+  fs::path path_;
+};
+
+std::string Slurp(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+void Spit(const fs::path& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
+
+TEST(PlatformFiles, CommitReplacesTheFileAndKeepsItsPermissions) {
+  TempFolder folder;
+  const fs::path target = folder / "data.txt";
+  Spit(target, "old");
+  ::chmod(target.c_str(), 0640);
+  PlatformHostServices host;
+  auto stream = host.OpenFileWrite(PMString(target.string()), FourCharCode("TEXT"), FourCharCode("TEXT"));
+  ASSERT_NE(stream, nullptr);
+  ASSERT_TRUE(stream->Write("new\rdata", 8));
+  EXPECT_EQ(Slurp(target), "old");  // nothing changes before the commit
+  ASSERT_TRUE(stream->Commit());
+  stream.reset();
+  EXPECT_EQ(Slurp(target), "new\rdata");
+  struct stat info {};
+  ASSERT_EQ(::stat(target.c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 0777, 0640u);
+  EXPECT_EQ(folder.EntryCount(), 1u);  // no temporary file left behind
+}
+
+TEST(PlatformFiles, AnUncommittedWriteLeavesTheOriginal) {
+  TempFolder folder;
+  const fs::path target = folder / "data.txt";
+  Spit(target, "precious");
+  {
+    PlatformHostServices host;
+    auto stream = host.OpenFileWrite(PMString(target.string()), 0, 0);
+    ASSERT_NE(stream, nullptr);
+    stream->Write("half", 4);
+  }
+  EXPECT_EQ(Slurp(target), "precious");
+  EXPECT_EQ(folder.EntryCount(), 1u);
+}
+
+TEST(PlatformFiles, ReadWholeFileAndMissingFiles) {
+  TempFolder folder;
+  const std::string bytes("a\0b\xFF", 4);
+  Spit(folder / "x.bin", bytes);
+  EXPECT_EQ(ReadWholeFile(PMString((folder / "x.bin").string())), bytes);
+  EXPECT_EQ(ReadWholeFile(PMString((folder / "missing").string())), std::nullopt);
+  EXPECT_EQ(ReadWholeFile(PMString((folder / "").string())), std::nullopt);  // a folder is no file
+  PlatformHostServices host;
+  EXPECT_EQ(host.OpenFileWrite(PMString((folder / "no/such/dir/f").string()), 0, 0), nullptr);
+}
+
+TEST(PlatformAlert, OneLinePerAlertOnStandardError) {
+  PlatformHostServices host;
+  testing::internal::CaptureStderr();
+  host.InformationAlert(PMString("Timeout"));
+  host.InformationAlert(PMString("two\r\nlines"));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "alert: Timeout\nalert: two  lines\n");
+}
+
+TEST(HostServicesScope, InstallsAndRestores) {
+  HostServices* before = &Host();
+  {
+    test::TestHost host;
+    EXPECT_EQ(&Host(), &host);
+    CAlert::InformationAlert(PMString("NOT CONNECTED TO BASE"));
+    EXPECT_EQ(host.alerts, std::vector<std::string>{"NOT CONNECTED TO BASE"});
+    try {
+      EndProcess(1);
+      ADD_FAILURE() << "EndProcess returned";
+    } catch (const test::ProcessExit& exit) {
+      EXPECT_EQ(exit.status, 1);
+    }
+  }
+  EXPECT_EQ(&Host(), before);
+}
+
+TEST(PlatformExit, ReallyEndsTheProcess) {
+  EXPECT_EXIT(
+      {
+        PlatformHostServices host;
+        ScopedHostServices scope(host);
+        EndProcess(3);
+      },
+      testing::ExitedWithCode(3), "");
+}
+
+TEST(ScriptArguments, SaveAndRestoreBracketARun) {
+  ScriptArgumentStore store;
+  store.Set(PMString("DataQuery"), PMString("before"));
+  store.Save();
+  store.ClearAll();
+  store.Set(PMString("DataQuery"), PMString("during"));
+  EXPECT_EQ(store.Get(PMString("DataQuery")).GrabCString(), "during");
+  EXPECT_TRUE(store.Get(PMString("HeaderData")).IsEmpty());
+  store.Restore();
+  EXPECT_EQ(store.Get(PMString("DataQuery")).GrabCString(), "before");
+}
+
+}  // namespace
+}  // namespace talp::host

@@ -1,0 +1,92 @@
+#include "text/search_replace.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace talp {
+namespace {
+
+WideString W(std::u16string_view units) { return WideString::FromUTF16(units); }
+std::u16string U(const WideString& text) { return std::u16string(text.Units()); }
+
+TEST(SearchReplaceTest, SearchReplaceUnicode) {
+  const struct {
+    const char* name;
+    std::u16string_view text, find, replacement, want;
+  } cases[] = {
+      {"ReplacesEvery", u"a&gt;b&gt;", u"&gt;", u">", u"a>b>"},
+      {"DifferingCharacterIsConsumed", u"xxy", u"xy", u"z", u"xxy"},
+      {"NoBacktracking", u"aab", u"ab", u"Q", u"aab"},
+      {"MatchAfterFailedCandidate", u"axab", u"ab", u"Q", u"axQ"},
+      {"EveryCharacterMustMatch", u"axc", u"abc", u"Q", u"axc"},
+      {"CandidatePastEndIsKept", u"xab", u"abc", u"Q", u"xab"},
+      {"ReplacementNotRescanned", u"aa", u"a", u"aa", u"aaaa"},
+      {"EmptyFindChangesNothing", u"abc", u"", u"Q", u"abc"},
+      {"EmptyText", u"", u"a", u"Q", u""},
+      {"PairIsOneCharacter", u"\U0001F600\U0001F601", u"\U0001F601", u"x", u"\U0001F600x"},
+      {"LoneSurrogateSkipsPairs", u"\U0001F600\xD83D", u"\xD83D", u"x", u"\U0001F600x"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    WideString text = W(c.text);
+    SearchReplaceUnicode(text, W(c.find), W(c.replacement));
+    EXPECT_EQ(U(text), c.want);
+  }
+}
+
+TEST(SearchReplaceTest, FindMayBeTheText) {
+  WideString text = W(u"abc");
+  SearchReplaceUnicode(text, text, W(u"x"));
+  EXPECT_EQ(U(text), u"x");
+}
+
+TEST(SearchReplaceTest, UnicodeCleaning) {
+  const struct {
+    const char* name;
+    std::u16string_view text, table, want;
+  } cases[] = {
+      {"LaterPairSeesEarlierOutput", u"a", u"a\tb\rb\tc", u"c"},
+      {"TableOrderDecides", u"a", u"b\tc\ra\tb", u"b"},
+      {"LineWithoutTabDeletes", u"a-b-c", u"-", u"abc"},
+      {"FinalCRChangesNothing", u"ab", u"a\tx\r", u"xb"},
+      {"ThirdFieldIgnored", u"ab", u"a\tx\ty", u"xb"},
+      {"EmptyFindChangesNothing", u"ab", u"\tz", u"ab"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    WideString text = W(c.text);
+    UnicodeCleaning(text, W(c.table));
+    EXPECT_EQ(U(text), c.want);
+  }
+  WideString text = W(u"a\tb");
+  UnicodeCleaning(text, text);  // the table is the text as it was
+  EXPECT_EQ(U(text), u"b\tb");
+}
+
+TEST(SearchReplaceTest, MergeContentToString) {
+  const struct {
+    const char* name;
+    std::u16string_view pattern, names, values, want;
+  } cases[] = {
+      {"FillsAndDecodes", u"Dear [Name], [Nope]!", u"Name", u"Ann &amp; Bo", u"Dear Ann & Bo, !"},
+      {"UnclosedBracketDropped", u"x[Na", u"Na", u"v", u"xNa"},
+      {"LaterUnclosedBracketsDropped", u"[a]x[a[b", u"a", u"v", u"vxab"},
+      {"BracketsDoNotNest", u"[a[b]", u"a[b", u"v", u"v"},
+      {"CloseOutsideIsCopied", u"a]b[]", u"", u"v", u"a]bv"},
+      {"FirstOfEqualNames", u"[n]", u"n\rn", u"1\r2", u"1"},
+      {"MarkersDecoded", u"[v]", u"v", u"a<br>b<tb>", u"a\rb\t"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    WideString text = W(c.pattern);
+    MergeContentToString(text, W(c.names), W(c.values));
+    EXPECT_EQ(U(text), c.want);
+  }
+  WideString text = W(u"[[a]");
+  MergeContentToString(text, W(u"[a"), text);  // the values are the template as it was
+  EXPECT_EQ(U(text), u"[[a]");
+}
+
+}  // namespace
+}  // namespace talp

@@ -1,0 +1,36 @@
+// Command-line options of the talp tool: one operation, its arguments, the
+// connection descriptor and the output mode.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace talp::cli {
+
+enum class OutputMode { kAuto, kRaw, kUtf16, kPretty };
+
+struct Options {
+  std::string operation;
+  std::vector<std::string> arguments;  // the operation's positional arguments
+  std::string descriptor;              // raw descriptor with named fields applied
+  std::map<std::string, std::string> texts;  // the operation's own options, by long name
+  OutputMode output = OutputMode::kAuto;
+  bool help = false;
+};
+
+struct ParseResult {
+  Options options;
+  std::string error;  // empty when the command line is valid
+};
+
+// Parses the arguments that follow the program name. envPassword, when not
+// null, is the password unless --password is given. A text option whose value
+// begins with "@" is read from that file.
+ParseResult ParseOptions(const std::vector<std::string>& args, const char* envPassword);
+
+// The text of --help.
+std::string UsageText();
+
+}  // namespace talp::cli

@@ -1,0 +1,66 @@
+#include "output.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "text/item_cursor.h"
+
+namespace talp::cli {
+namespace {
+
+using Record = std::vector<std::u16string_view>;
+
+std::vector<std::u16string_view> Split(std::u16string_view text, char16_t separator) {
+  std::vector<std::u16string_view> pieces;
+  ItemCursor cursor(text, separator);
+  for (std::u16string_view piece; cursor.Next(piece);) pieces.push_back(piece);
+  return pieces;
+}
+
+void WritePretty(const WideString& result, std::ostream& out) {
+  if (result.IsEmpty()) return;
+  std::vector<std::u16string_view> lines = Split(result.Units(), u'\r');
+  if (lines.back().empty()) lines.pop_back();  // the CR that ends the last record
+  std::vector<Record> records;
+  std::vector<std::size_t> widths;
+  for (const auto line : lines) {
+    Record fields = Split(line, u'\t');
+    if (fields.size() > widths.size()) widths.resize(fields.size(), 0);
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      widths[i] = std::max(widths[i], WideString::FromUTF16(fields[i]).CharCount());
+    }
+    records.push_back(std::move(fields));
+  }
+  for (const Record& fields : records) {
+    std::string line;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      const WideString field = WideString::FromUTF16(fields[i]);
+      line += field.ToUTF8();
+      if (i + 1 < fields.size()) line.append(widths[i] - field.CharCount() + 2, ' ');
+    }
+    while (!line.empty() && line.back() == ' ') line.pop_back();
+    out << line << '\n';
+  }
+}
+
+}  // namespace
+
+void WriteResult(const WideString& result, OutputMode mode, std::ostream& out) {
+  switch (mode) {
+    case OutputMode::kUtf16:
+      out << result.ToUTF16LE();
+      break;
+    case OutputMode::kPretty:
+      WritePretty(result, out);
+      break;
+    case OutputMode::kRaw:
+    case OutputMode::kAuto:
+      out << result.ToUTF8();
+      break;
+  }
+  out.flush();
+}
+
+}  // namespace talp::cli

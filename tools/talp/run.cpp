@@ -1,0 +1,87 @@
+#include "run.h"
+
+#include "options.h"
+#include "output.h"
+#include "text/text_handlers.h"
+
+namespace talp::cli {
+namespace {
+
+struct Invocation {
+  const Options& options;
+  PMString descriptor;
+
+  PMString Field(int n) const { return myGetLine(descriptor, ';', n); }
+  int Port() const { return Field(2).GetAsNumber(); }
+  PMString Text(const std::string& name) const {
+    const auto it = options.texts.find(name);
+    return it == options.texts.end() ? PMString() : PMString(it->second);
+  }
+  WideString WideText(const std::string& name) const { return WideString(Text(name)); }
+  const std::string& Argument() const { return options.arguments.front(); }
+};
+
+// Runs the operation; result is written only by operations that have one.
+int RunOperation(ITALPRemote& remote, const Invocation& call, WideString& result, bool& hasResult) {
+  const std::string& op = call.options.operation;
+  const PMString& d = call.descriptor;
+  hasResult = true;
+  if (op == "databases") return remote.GetDatabaseList(d, result);
+  if (op == "tables") return remote.GetTableList(d, result);
+  if (op == "columns") return remote.GetColumnList(d, call.WideText("styling"), result);
+  if (op == "list") return remote.GetRecordList(d, result, call.Text("search"), 0);
+  if (op == "loop") return remote.GetRecordLoop(d, result, call.Text("where"));
+  if (op == "record") return remote.GetSpecificRecord(d, PMString(call.Argument()), call.WideText("styling"), result);
+  if (op == "group") {
+    remote.GetGroupDataLoop(d, call.WideText("styling"), result, call.Text("query"));
+    return 0;
+  }
+  if (op == "get") {
+    remote.GetUsingHttpPost(PMString(call.Argument()), call.Port(), result);
+    return 0;
+  }
+  hasResult = false;
+  if (op == "update") {
+    return remote.SendUpdateBaseFieldWithInfo(WideString(call.Argument()), call.Text("field"), call.Text("key-value"),
+                                              call.Field(1), call.Port(), call.Field(3), call.Field(4), call.Field(5),
+                                              call.Field(6), call.Field(7), call.Field(10), call.Field(11),
+                                              call.Field(12));
+  }
+  if (op == "sql") {
+    return remote.SendConnectWithInfoSQL(WideString(call.Argument()), call.Field(1), call.Port(), call.Field(3),
+                                         call.Field(4), call.Field(5), call.Text("extra"));
+  }
+  if (op == "upload") {
+    remote.SendUsingHttpPost(PMString(call.Argument()), call.Port(), call.Field(12), call.Text("filepath-value"),
+                             call.Text("name"));
+  }
+  return 0;
+}
+
+}  // namespace
+
+int RunTalp(ITALPRemote& remote, const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
+            bool outIsTerminal, const char* envPassword) {
+  const ParseResult parsed = ParseOptions(args, envPassword);
+  if (parsed.options.help) {
+    out << UsageText();
+    return 0;
+  }
+  if (!parsed.error.empty()) {
+    err << "talp: " << parsed.error << "\nTry 'talp --help' for more information.\n";
+    return 2;
+  }
+  const Options& options = parsed.options;
+  const Invocation call{options, PMString(options.descriptor)};
+  WideString result;
+  bool hasResult = false;
+  const int status = RunOperation(remote, call, result, hasResult);
+  if (hasResult) {
+    OutputMode mode = options.output;
+    if (mode == OutputMode::kAuto) mode = outIsTerminal ? OutputMode::kPretty : OutputMode::kRaw;
+    WriteResult(result, mode, out);
+  }
+  return status;
+}
+
+}  // namespace talp::cli

@@ -1,5 +1,8 @@
 #include "host/utf.h"
 
+#include <cstdint>
+#include <cstring>
+
 namespace talp::utf {
 
 void AppendUTF16(std::u16string& out, char32_t c) {
@@ -56,19 +59,34 @@ bool SecondByteFits(unsigned char lead, unsigned char second) {
 }  // namespace
 
 void DecodeUTF8(std::string_view bytes, std::u16string& out) {
-  out.reserve(out.size() + bytes.size());
-  std::size_t i = 0;
+  // Never more units than bytes: size once, write through a pointer, trim.
+  const std::size_t start = out.size();
+  out.resize(start + bytes.size());
+  char16_t* const first = out.data() + start;
+  char16_t* dest = first;
+  const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
   const std::size_t n = bytes.size();
+  std::size_t i = 0;
   while (i < n) {
-    const auto lead = static_cast<unsigned char>(bytes[i]);
+    // Runs of ASCII, eight bytes at a time.
+    while (i + 8 <= n) {
+      std::uint64_t chunk;
+      std::memcpy(&chunk, in + i, 8);
+      if ((chunk & 0x8080808080808080ULL) != 0) break;
+      for (int k = 0; k < 8; ++k) dest[k] = in[i + k];
+      dest += 8;
+      i += 8;
+    }
+    if (i >= n) break;
+    const unsigned char lead = in[i];
     if (lead < 0x80) {
-      out.push_back(lead);
+      *dest++ = lead;
       ++i;
       continue;
     }
     const int length = SequenceLength(lead);
-    if (length == 0 || i + 1 >= n || !SecondByteFits(lead, static_cast<unsigned char>(bytes[i + 1]))) {
-      out.push_back(static_cast<char16_t>(kReplacement));
+    if (length == 0 || i + 1 >= n || !SecondByteFits(lead, in[i + 1])) {
+      *dest++ = static_cast<char16_t>(kReplacement);
       ++i;
       continue;
     }
@@ -76,21 +94,29 @@ void DecodeUTF8(std::string_view bytes, std::u16string& out) {
     int taken = 1;
     bool complete = true;
     for (; taken < length; ++taken) {
-      if (i + taken >= n) { complete = false; break; }
-      const auto b = static_cast<unsigned char>(bytes[i + taken]);
-      if ((b & 0xC0) != 0x80) { complete = false; break; }
-      c = (c << 6) | (b & 0x3F);
+      if (i + taken >= n || (in[i + taken] & 0xC0) != 0x80) {
+        complete = false;
+        break;
+      }
+      c = (c << 6) | (in[i + taken] & 0x3F);
     }
     if (!complete) {
       // A truncated sequence is one replacement character; the byte that
       // broke it starts over as a lead byte.
-      out.push_back(static_cast<char16_t>(kReplacement));
-      i += taken;
+      *dest++ = static_cast<char16_t>(kReplacement);
+      i += static_cast<std::size_t>(taken);
       continue;
     }
-    AppendUTF16(out, c);
-    i += length;
+    if (c < 0x10000) {
+      *dest++ = static_cast<char16_t>(c);
+    } else {
+      c -= 0x10000;
+      *dest++ = static_cast<char16_t>(0xD800 + (c >> 10));
+      *dest++ = static_cast<char16_t>(0xDC00 + (c & 0x3FF));
+    }
+    i += static_cast<std::size_t>(length);
   }
+  out.resize(start + static_cast<std::size_t>(dest - first));
 }
 
 void EncodeUTF8(std::u16string_view units, std::string& out) {

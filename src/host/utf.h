@@ -27,6 +27,20 @@ inline char32_t NextChar(std::u16string_view units, std::size_t& i) {
   return u;
 }
 
+// Unit offset of the first occurrence of needle in hay at or after from that
+// starts and ends on character boundaries (never inside a surrogate pair), or
+// npos. An empty needle is found at from.
+inline std::size_t FindAtCharBoundaries(std::u16string_view hay, std::u16string_view needle, std::size_t from) {
+  while ((from = hay.find(needle, from)) != std::u16string_view::npos) {
+    const std::size_t end = from + needle.size();
+    const bool startsInside = from > 0 && IsLowSurrogate(hay[from]) && IsHighSurrogate(hay[from - 1]);
+    const bool endsInside = end > 0 && end < hay.size() && IsLowSurrogate(hay[end]) && IsHighSurrogate(hay[end - 1]);
+    if (!startsInside && !endsInside) return from;
+    ++from;
+  }
+  return std::u16string_view::npos;
+}
+
 // Appends c as UTF-16: one unit, or a pair above U+FFFF. Values above
 // U+10FFFF become U+FFFD.
 void AppendUTF16(std::u16string& out, char32_t c);

@@ -1,10 +1,8 @@
 #include "talp/wide_string.h"
 
 #include <algorithm>
-#include <clocale>
-#include <cwctype>
-#include <locale.h>
 
+#include "host/case_mapping.h"
 #include "host/utf.h"
 #include "talp/pm_string.h"
 
@@ -117,18 +115,8 @@ WideString WideString::Substring(std::size_t start, std::size_t count) const {
 
 std::int32_t WideString::IndexOf(const WideString& what, std::size_t from) const {
   if (from > CharCount()) return -1;
-  const std::u16string_view hay(units_);
-  const std::u16string_view needle(what.units_);
-  std::size_t at = UnitOffsetOf(from);
-  while ((at = hay.find(needle, at)) != std::u16string_view::npos) {
-    // A match must start and end on character boundaries, not inside a pair.
-    const std::size_t end = at + needle.size();
-    const bool startsInside = at > 0 && IsLowSurrogate(hay[at]) && IsHighSurrogate(hay[at - 1]);
-    const bool endsInside = end > 0 && end < hay.size() && IsLowSurrogate(hay[end]) && IsHighSurrogate(hay[end - 1]);
-    if (!startsInside && !endsInside) return static_cast<std::int32_t>(CharPosOf(at));
-    ++at;
-  }
-  return -1;
+  const std::size_t at = talp::utf::FindAtCharBoundaries(units_, what.units_, UnitOffsetOf(from));
+  return at == std::u16string_view::npos ? -1 : static_cast<std::int32_t>(CharPosOf(at));
 }
 
 std::int32_t WideString::IndexOf(UTF32TextChar c, std::size_t from) const {
@@ -137,36 +125,10 @@ std::int32_t WideString::IndexOf(UTF32TextChar c, std::size_t from) const {
   return IndexOf(one, from);
 }
 
-namespace {
-
-locale_t UnicodeCType() {
-  static const locale_t loc = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(nullptr));
-  return loc;
-}
-
-}  // namespace
-
 void WideString::ToLower() {
-  const locale_t loc = UnicodeCType();
   std::u16string lowered;
-  lowered.reserve(units_.size());
-  std::size_t i = 0;
-  while (i < units_.size()) {
-    const char32_t c = talp::utf::NextChar(units_, i);
-    char32_t low = c;
-    if (c >= 'A' && c <= 'Z') {
-      low = c + ('a' - 'A');
-    } else if (c >= 0x80 && loc != static_cast<locale_t>(nullptr) && !talp::utf::IsSurrogate(c)) {
-      low = static_cast<char32_t>(towlower_l(static_cast<wint_t>(c), loc));
-    }
-    if (talp::utf::IsSurrogate(c)) {
-      lowered.push_back(static_cast<char16_t>(c));  // keep lone units as they are
-    } else {
-      talp::utf::AppendUTF16(lowered, low);
-    }
-  }
+  talp::host::AppendLower(units_, lowered);
   units_ = std::move(lowered);
-  Reindex();
 }
 
 std::strong_ordering operator<=>(const WideString& a, const WideString& b) {
@@ -180,7 +142,13 @@ std::strong_ordering operator<=>(const WideString& a, const WideString& b) {
 }
 
 void WideString::IndexPairsFrom(std::size_t unitOffset) {
-  for (std::size_t i = unitOffset; i + 1 < units_.size(); ++i) {
+  const std::size_t size = units_.size();
+  // Most text has no surrogate at all: find out with a loop the compiler
+  // vectorises before walking unit by unit.
+  bool anyHigh = false;
+  for (std::size_t i = unitOffset; i < size; ++i) anyHigh |= (units_[i] & 0xFC00) == 0xD800;
+  if (!anyHigh) return;
+  for (std::size_t i = unitOffset; i + 1 < size; ++i) {
     if (IsHighSurrogate(units_[i]) && IsLowSurrogate(units_[i + 1])) {
       pairs_.push_back(i);
       ++i;

@@ -92,6 +92,14 @@ void SearchReplaceUnicode(WideString& text, const WideString& find, const WideSt
   ReplaceUnits(text, find.Units(), replacement.Units());
 }
 
+void DecodeXMLEntities(WideString& text) {
+  static const std::pair<WideString, WideString> kEntities[] = {
+      {"&lt;", "<"}, {"&gt;", ">"}, {"&quot;", "\""}, {"&apos;", "'"}, {"&amp;", "&"}};
+  for (const auto& [entity, character] : kEntities) {
+    SearchReplaceUnicode(text, entity, character);
+  }
+}
+
 void UnicodeCleaning(WideString& text, const WideString& table) {
   // The table is read while text changes, so it must not be text itself.
   if (&table == &text) {

@@ -23,4 +23,9 @@ void UnicodeCleaning(WideString& text, const WideString& table);
 // "[" without a following "]" is dropped and the rest copied as it stands.
 void MergeContentToString(WideString& text, const WideString& names, const WideString& values);
 
+// Decodes "&lt;", "&gt;", "&quot;", "&apos;" and then "&amp;", each with
+// SearchReplaceUnicode: the ampersand comes last, so "&amp;lt;" gives "&lt;"
+// and not "<", as callers rely on.
+void DecodeXMLEntities(WideString& text);
+
 }  // namespace talp

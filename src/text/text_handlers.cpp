@@ -66,14 +66,11 @@ bool KeepsLastLine(const WideString& text, bool hasCR, Units lastLine) {
   return hasCR ? !lastLine.empty() : text.CharCount() > 1;
 }
 
-// Markers and entities of stored values, decoded in this order: "&amp;" comes
-// after the other entities, so "&amp;lt;" gives "&lt;", as callers expect.
+// Entities, then the markers of stored values.
 void DecodeValue(WideString& value) {
-  static const std::pair<WideString, WideString> kDecodings[] = {
-      {"&lt;", "<"}, {"&gt;", ">"}, {"&quot;", "\""}, {"&apos;", "'"}, {"&amp;", "&"},
-      {"<br>", "\r"}, {"<sr>", "\n"}, {"<tb>", "\t"},
-  };
-  for (const auto& [encoded, decoded] : kDecodings) {
+  static const std::pair<WideString, WideString> kMarkers[] = {{"<br>", "\r"}, {"<sr>", "\n"}, {"<tb>", "\t"}};
+  DecodeXMLEntities(value);
+  for (const auto& [encoded, decoded] : kMarkers) {
     SearchReplaceUnicode(value, encoded, decoded);
   }
 }

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Shows talp at work on the bundled examples.
+# Shows talp at work on the bundled example catalogues: for each form the
+# column list, a filtered loop and one record.
 set -euo pipefail
 
 talp=${1:?usage: demo.sh PATH_TO_TALP}
@@ -11,8 +12,16 @@ run() {
   "$talp" "$@" --pretty || echo "(exit status $?)"
 }
 
-echo "talp demo on examples/ (sources not yet built answer with nothing)"
-run columns --type File --file examples/catalogue.txt
-run list --type File --file examples/catalogue.txt --key sku --sort name
-run loop --type File --file examples/catalogue.txt --where "where category LIKE 'tools'"
-run record 1002 --type File --file examples/catalogue.txt --key sku
+for file in examples/catalogue-tab.txt examples/catalogue-comma.csv examples/catalogue-semicolon.csv \
+            examples/catalogue-utf16.txt examples/catalogue-ansi.txt examples/catalogue.xml; do
+  echo
+  echo "=== $file"
+  source=(--type File --file "$file" --key sku)
+  run columns "${source[@]}"
+  run loop "${source[@]}" --where fasteners
+  run record 1005 "${source[@]}"
+done
+
+echo
+echo "=== the record list (key column and sort column of the selected records)"
+run list --type File --file examples/catalogue-comma.csv --key name --sort price --search tools

@@ -93,6 +93,11 @@ class HostServices {
 
   // The host setting "localizedDecimal": the user's decimal separator.
   virtual PMString LocalizedDecimal() const = 0;
+
+  // How far a long piece of work has come: done of total units of what (such
+  // as "records"). Called often, so it must be cheap; hosts may show it. The
+  // default shows nothing.
+  virtual void Progress(const char* what, std::uint64_t done, std::uint64_t total);
 };
 
 // The services of this platform: alerts as "alert: MESSAGE" lines on standard

@@ -17,6 +17,8 @@ void ScriptArgumentStore::Restore() {
   saved_.pop_back();
 }
 
+void HostServices::Progress(const char*, std::uint64_t, std::uint64_t) {}
+
 void PlatformHostServices::InformationAlert(const PMString& message) {
   // One alert is one line: line breaks inside the message become blanks.
   std::string line = message.GrabCString();

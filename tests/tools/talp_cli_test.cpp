@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "progress.h"
 #include "run.h"
 
 namespace talp::cli {
@@ -214,6 +215,18 @@ TEST(TalpHelp, PrintsUsage) {
   EXPECT_EQ(run.status, 0);
   EXPECT_NE(run.out.find("Usage: talp OPERATION"), std::string::npos);
   EXPECT_TRUE(run.calls.empty());
+}
+
+}  // namespace
+}  // namespace talp::cli
+
+namespace talp::cli {
+namespace {
+
+TEST(TalpProgress, FormatsPercentOrCount) {
+  EXPECT_EQ(FormatProgress("records", 50, 200), "records 25%");
+  EXPECT_EQ(FormatProgress("records", 300, 200), "records 100%");
+  EXPECT_EQ(FormatProgress("records", 7, 0), "records 7");
 }
 
 }  // namespace

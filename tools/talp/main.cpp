@@ -1,16 +1,28 @@
 // talp: runs one provider operation from the command line and prints its result.
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "progress.h"
 #include "run.h"
 #include "talp/talp_remote.h"
 
 int main(int argc, char** argv) {
   const std::vector<std::string> args(argv + 1, argv + argc);
+  // Progress is for people: only when standard error is a terminal.
+  std::optional<talp::cli::TerminalProgressHost> progress;
+  std::optional<talp::host::ScopedHostServices> scope;
+  if (::isatty(STDERR_FILENO) == 1) {
+    progress.emplace(stderr);
+    scope.emplace(*progress);
+  }
+  std::ios::sync_with_stdio(false);
   TALPRemote remote;
   return talp::cli::RunTalp(remote, args, std::cout, std::cerr, ::isatty(STDOUT_FILENO) == 1,
                             std::getenv("TALP_PASSWORD"));

@@ -1,0 +1,48 @@
+// Feeds arbitrary bytes as a data file through loading, the record
+// operations and saving of the "File" source.
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "sources/file/file_base.h"
+#include "sources/file/file_data.h"
+#include "sources/file/record_filter.h"
+#include "talp/host_services.h"
+
+namespace {
+
+// Alerts (a file under 3 bytes) are expected; they must not flood the output.
+class QuietHost : public talp::host::PlatformHostServices {
+ public:
+  void InformationAlert(const PMString&) override {}
+};
+
+std::string TempPath() {
+  static const std::string path = "/tmp/talp-file-fuzz-" + std::to_string(::getpid());
+  return path;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static QuietHost host;
+  static talp::host::ScopedHostServices scope(host);
+  const std::string path = TempPath();
+  if (std::FILE* file = std::fopen(path.c_str(), "wb")) {
+    std::fwrite(data, 1, size, file);
+    std::fclose(file);
+  }
+  const PMString filePath(path);
+  WideString table;
+  talp::GetFileData(filePath, table);
+  talp::SelectRecords(table, WideString("where a LIKE '%b%'"));
+  WideString result;
+  talp::fetchColumnListFile(filePath, result);
+  talp::fetchSpecificRecordFile(filePath, PMString("id"), PMString("1"), WideString("a\tb"), result);
+  talp::updateBaseFieldWithInfoFile(WideString("x\r\ny"), PMString("name"), PMString("id"), PMString("1"), filePath);
+  std::remove(path.c_str());
+  return 0;
+}

@@ -1,0 +1,34 @@
+// Loading and saving the data files of the "File" source in one normalised
+// form: records separated by CR, fields by TAB, record 1 the header.
+#pragma once
+
+#include <cstdint>
+
+#include "talp/pm_string.h"
+#include "talp/wide_string.h"
+
+namespace talp {
+
+// data = the file at path in normalised form, whatever its encoding and
+// whether it is delimited by TAB, comma or semicolon (detected on the first
+// line) or an XML table. A file that cannot be read leaves data as it was.
+void GetFileData(const PMString& path, WideString& data);
+
+// Rewrites the file at path with content (normalised form), keeping the
+// file's delimiter, XML form and encoding as found on disk; a new file is
+// written as UTF-8 TAB text. The file is replaced atomically.
+void SaveFileData(const PMString& path, const WideString& content);
+
+// Sets delimiter to "\t", "," or ";" when that character is strictly the most
+// frequent of the three in line; leaves it as it was on a tie.
+void GetMergeDelimiter(const WideString& line, PMString& delimiter);
+
+// 1-based column of name in the TAB-separated header. Only the columns before
+// the last TAB are compared: any other name, the last column's own included,
+// gives the last column, a fallback callers rely on.
+std::int32_t FindIndexInHeader(const WideString& header, const PMString& name);
+
+// The same look-up in a CR-separated list of names.
+std::uint32_t FindIndexInLineHeader(const WideString& list, const PMString& name);
+
+}  // namespace talp

@@ -9,7 +9,6 @@
 
 #include "sources/file/file_base.h"
 #include "sources/file/file_data.h"
-#include "sources/file/record_filter.h"
 #include "talp/host_services.h"
 
 namespace {
@@ -38,8 +37,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const PMString filePath(path);
   WideString table;
   talp::GetFileData(filePath, table);
-  talp::SelectRecords(table, WideString("where a LIKE '%b%'"));
   WideString result;
+  talp::fetchRecordLoopFile(filePath, PMString("where a LIKE '%b%'"), result);
   talp::fetchColumnListFile(filePath, result);
   talp::fetchSpecificRecordFile(filePath, PMString("id"), PMString("1"), WideString("a\tb"), result);
   talp::updateBaseFieldWithInfoFile(WideString("x\r\ny"), PMString("name"), PMString("id"), PMString("1"), filePath);

@@ -43,6 +43,8 @@ const BmpTable& Table() {
 
 }  // namespace
 
+const char16_t* LowerTable() { return Table().lower.get(); }
+
 char32_t LowerChar(char32_t c) {
   if (c < 0x10000) return Table().lower[c];
   const char32_t low = LowerFromLocale(c);

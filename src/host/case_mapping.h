@@ -10,6 +10,10 @@ namespace talp::host {
 
 char32_t LowerChar(char32_t c);
 
+// The lower-case unit of every unit of the Basic Multilingual Plane (65536
+// entries; surrogate units map to themselves). Valid for the whole program.
+const char16_t* LowerTable();
+
 // Appends the lower-case form of units to out.
 void AppendLower(std::u16string_view units, std::u16string& out);
 

@@ -1,7 +1,6 @@
 #include "host/utf.h"
 
-#include <cstdint>
-#include <cstring>
+#include "host/unit_search.h"
 
 namespace talp::utf {
 
@@ -68,15 +67,10 @@ void DecodeUTF8(std::string_view bytes, std::u16string& out) {
   const std::size_t n = bytes.size();
   std::size_t i = 0;
   while (i < n) {
-    // Runs of ASCII, eight bytes at a time.
-    while (i + 8 <= n) {
-      std::uint64_t chunk;
-      std::memcpy(&chunk, in + i, 8);
-      if ((chunk & 0x8080808080808080ULL) != 0) break;
-      for (int k = 0; k < 8; ++k) dest[k] = in[i + k];
-      dest += 8;
-      i += 8;
-    }
+    // Runs of ASCII, sixteen bytes at a time.
+    const std::size_t ascii = host::WidenAsciiBlocks(in + i, n - i, dest);
+    i += ascii;
+    dest += ascii;
     if (i >= n) break;
     const unsigned char lead = in[i];
     if (lead < 0x80) {
@@ -117,6 +111,20 @@ void DecodeUTF8(std::string_view bytes, std::u16string& out) {
     i += static_cast<std::size_t>(length);
   }
   out.resize(start + static_cast<std::size_t>(dest - first));
+}
+
+std::size_t IncompleteUTF8Tail(std::string_view bytes) {
+  // A lead byte always starts a sequence: the decoder never takes it as part
+  // of an earlier one. Only the last three bytes can hold an unfinished one.
+  for (std::size_t back = 1; back <= 3 && back <= bytes.size(); ++back) {
+    const auto byte = static_cast<unsigned char>(bytes[bytes.size() - back]);
+    if (byte < 0x80) return 0;
+    if (byte >= 0xC0) {
+      const int length = SequenceLength(byte);
+      return length > static_cast<int>(back) ? back : 0;
+    }
+  }
+  return 0;
 }
 
 void EncodeUTF8(std::u16string_view units, std::string& out) {

@@ -51,6 +51,11 @@ void AppendUTF8(std::string& out, char32_t c);
 // Decodes UTF-8 into UTF-16, appending to out.
 void DecodeUTF8(std::string_view bytes, std::u16string& out);
 
+// Number of bytes at the end of bytes that start a UTF-8 sequence the bytes
+// do not complete (0 to 3). Decoding the rest now and these bytes together
+// with what follows gives the same text as decoding everything at once.
+std::size_t IncompleteUTF8Tail(std::string_view bytes);
+
 // Encodes UTF-16 as UTF-8, appending to out.
 void EncodeUTF8(std::u16string_view units, std::string& out);
 

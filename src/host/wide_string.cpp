@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/case_mapping.h"
+#include "host/unit_search.h"
 #include "host/utf.h"
 #include "talp/pm_string.h"
 
@@ -143,11 +144,8 @@ std::strong_ordering operator<=>(const WideString& a, const WideString& b) {
 
 void WideString::IndexPairsFrom(std::size_t unitOffset) {
   const std::size_t size = units_.size();
-  // Most text has no surrogate at all: find out with a loop the compiler
-  // vectorises before walking unit by unit.
-  bool anyHigh = false;
-  for (std::size_t i = unitOffset; i < size; ++i) anyHigh |= (units_[i] & 0xFC00) == 0xD800;
-  if (!anyHigh) return;
+  // Most text has no surrogate at all; find that out quickly first.
+  if (unitOffset >= size || !talp::host::HasHighSurrogate(std::u16string_view(units_).substr(unitOffset))) return;
   for (std::size_t i = unitOffset; i + 1 < size; ++i) {
     if (IsHighSurrogate(units_[i]) && IsLowSurrogate(units_[i + 1])) {
       pairs_.push_back(i);

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "host/unit_search.h"
 #include "host/utf.h"
 #include "text/item_cursor.h"
 #include "text/text_handlers.h"
@@ -59,27 +60,40 @@ void RestoreBreaksAndTabs(Units field, std::u16string& value) {
 
 }  // namespace
 
-void UnicodeImportHandling(WideString& text, const PMString& delimiter) {
-  if (delimiter.IsEmpty()) return;
-  const char32_t separator = delimiter.GetChar(0);
-  const Units units = text.Units();
-  std::u16string out;
-  out.reserve(units.size() + units.size() / 16);
-
-  enum class State { kFieldStart, kUnquoted, kQuoted } state = State::kFieldStart;
-  for (std::size_t i = 0; i < units.size();) {
+void DelimitedImporter::Feed(std::u16string_view piece, std::u16string& out) {
+  // Runs of ordinary characters are copied whole; the scan stops at the
+  // first unit of any character that may be special in the current state,
+  // which is then looked at as a whole character.
+  std::u16string delimiterUnits;
+  utf::AppendUTF16(delimiterUnits, delimiter_);
+  const char16_t delimiterUnit = delimiterUnits[0];
+  const char16_t quotedStops[4] = {u'"', kCR, kLF, kTab};
+  const char16_t unquotedStops[4] = {kCR, delimiterUnit, kTab, kTab};
+  std::size_t i = 0;
+  while (i < piece.size()) {
+    if (state_ == State::kQuoted || state_ == State::kUnquoted) {
+      const bool quoted = state_ == State::kQuoted;
+      std::size_t stop = host::FindAnyUnit(piece, i, quoted ? quotedStops : unquotedStops);
+      if (stop == host::kNotFound) stop = piece.size();
+      out.append(piece.substr(i, stop - i));
+      i = stop;
+      if (i == piece.size()) break;
+    }
     const std::size_t at = i;
-    const char32_t c = utf::NextChar(units, i);
-    if (state == State::kQuoted) {
+    const char32_t c = utf::NextChar(piece, i);
+    if (state_ == State::kQuoteInQuoted) {
       if (c == kQuote) {
-        if (i < units.size() && units[i] == kQuote) {
-          out += u'"';
-          ++i;
-        } else {
-          // What follows the closing quote up to the next delimiter is kept
-          // as it stands.
-          state = State::kUnquoted;
-        }
+        out += u'"';
+        state_ = State::kQuoted;
+        continue;
+      }
+      // What follows the closing quote up to the next delimiter is kept as
+      // it stands.
+      state_ = State::kUnquoted;
+    }
+    if (state_ == State::kQuoted) {
+      if (c == kQuote) {
+        state_ = State::kQuoteInQuoted;
       } else if (c == kCR) {
         out += kBreakMarker;
       } else if (c == kLF) {
@@ -87,7 +101,7 @@ void UnicodeImportHandling(WideString& text, const PMString& delimiter) {
       } else if (c == kTab) {
         out += kTabMarker;
       } else {
-        out.append(units.substr(at, i - at));
+        out.append(piece.substr(at, i - at));
       }
       continue;
     }
@@ -95,22 +109,31 @@ void UnicodeImportHandling(WideString& text, const PMString& delimiter) {
     // is the quote character itself simply turns quoting off.
     if (c == kCR) {
       out += kCR;
-      state = State::kFieldStart;
-    } else if (c == separator) {
+      state_ = State::kFieldStart;
+    } else if (c == delimiter_) {
       out += kTab;
-      state = State::kFieldStart;
-    } else if (c == kQuote && state == State::kFieldStart) {
-      state = State::kQuoted;
+      state_ = State::kFieldStart;
+    } else if (c == kQuote && state_ == State::kFieldStart) {
+      state_ = State::kQuoted;
     } else {
       // A TAB would split the field in the output.
       if (c == kTab) {
         out += kTabMarker;
       } else {
-        out.append(units.substr(at, i - at));
+        out.append(piece.substr(at, i - at));
       }
-      state = State::kUnquoted;
+      state_ = State::kUnquoted;
     }
   }
+}
+
+void UnicodeImportHandling(WideString& text, const PMString& delimiter) {
+  if (delimiter.IsEmpty()) return;
+  const std::u16string_view units = text.Units();
+  std::u16string out;
+  out.reserve(units.size() + units.size() / 16);
+  DelimitedImporter importer(delimiter.GetChar(0));
+  importer.Feed(units, out);
   text = WideString(std::move(out));
 }
 

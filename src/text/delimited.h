@@ -20,10 +20,28 @@
 // delimiter leaves the text unchanged.
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "talp/pm_string.h"
 #include "talp/wide_string.h"
 
 namespace talp {
+
+// The conversion of UnicodeImportHandling, piece by piece: feeding a text in
+// any number of pieces (none ending inside a character) gives the same
+// result as converting it whole.
+class DelimitedImporter {
+ public:
+  explicit DelimitedImporter(char32_t delimiter) : delimiter_(delimiter) {}
+  // Appends the conversion of piece to out.
+  void Feed(std::u16string_view piece, std::u16string& out);
+
+ private:
+  enum class State { kFieldStart, kUnquoted, kQuoted, kQuoteInQuoted };
+  State state_ = State::kFieldStart;
+  char32_t delimiter_;
+};
 
 // Converts delimited text in place: the field delimiter is the first
 // character of delimiter, the quote the double quote. A delimiter that is CR

@@ -15,6 +15,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "host/unit_search.h"
 #include "host/utf.h"
 
 namespace talp {
@@ -23,7 +24,10 @@ namespace talp {
 // from must be a character boundary (not the second unit of a pair).
 inline std::size_t FindCharacter(std::u16string_view units, std::size_t from, char32_t c) {
   // A unit outside the surrogate range is always a character of its own.
-  if (c < 0xD800 || (c >= 0xE000 && c <= 0xFFFF)) return units.find(static_cast<char16_t>(c), from);
+  if (c < 0xD800 || (c >= 0xE000 && c <= 0xFFFF)) {
+    const std::size_t at = host::FindUnit(units, from, static_cast<char16_t>(c), static_cast<char16_t>(c));
+    return at == host::kNotFound ? std::u16string_view::npos : at;
+  }
   if (c > 0x10FFFF) return std::u16string_view::npos;
   while (from < units.size()) {
     const std::size_t at = from;

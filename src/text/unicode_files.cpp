@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "host/utf.h"
+#include "text/text_file_reader.h"
 #include "text/windows1252.h"
 
 namespace talp {
@@ -21,125 +22,6 @@ using host::FourCharCode;
 
 constexpr std::string_view kUTF8Mark = "\xEF\xBB\xBF";
 constexpr std::size_t kMarkBytes = 3;  // the most a mark can take, and all that is examined
-constexpr std::size_t kUTF16MarkBytes = 2;
-
-enum class MarkedEncoding { kUTF16LittleEndian, kUTF16BigEndian, kUTF8, kAnsi };
-
-MarkedEncoding EncodingByMark(std::string_view head) {
-  if (head.starts_with("\xFF\xFE")) return MarkedEncoding::kUTF16LittleEndian;
-  if (head.starts_with("\xFE\xFF")) return MarkedEncoding::kUTF16BigEndian;
-  if (head.starts_with(kUTF8Mark)) return MarkedEncoding::kUTF8;
-  return MarkedEncoding::kAnsi;
-}
-
-// A whole file in one buffer that the decoders may rewrite in place.
-struct FileBytes {
-  std::unique_ptr<char[]> data;
-  std::size_t size = 0;
-
-  char* Begin() { return data.get(); }
-  std::string_view View() const { return {data.get(), size}; }
-};
-
-// The rest of stream. Where its size is known the buffer is allocated once,
-// one byte larger, so that a file read in full ends with a short read; a
-// size that is unknown, or that grows while being read, doubles the buffer.
-// Throws std::bad_alloc when the file does not fit in memory.
-FileBytes ReadRest(host::FileReadStream& stream) {
-  const std::int64_t known = stream.Size();
-  std::size_t capacity = known >= 0 ? static_cast<std::size_t>(known) + 1 : std::size_t{1} << 16;
-  FileBytes bytes{std::make_unique_for_overwrite<char[]>(capacity), 0};
-  for (;;) {
-    if (bytes.size == capacity) {
-      if (capacity > SIZE_MAX / 2) throw std::bad_alloc();
-      capacity *= 2;
-      auto larger = std::make_unique_for_overwrite<char[]>(capacity);
-      std::memcpy(larger.get(), bytes.data.get(), bytes.size);
-      bytes.data = std::move(larger);
-    }
-    const std::size_t got = stream.Read(bytes.data.get() + bytes.size, capacity - bytes.size);
-    if (got == 0) return bytes;
-    bytes.size += got;
-  }
-}
-
-// Rewrites text[from, size) in place so that a line feed after a carriage
-// return goes and any other line feed becomes a carriage return; returns the
-// new size. Only the byte before a line feed as it was in the file counts,
-// and a line feed at from follows no carriage return. The text only shrinks.
-std::size_t MakeLineEndsCR(char* text, std::size_t from, std::size_t size) {
-  std::size_t read = from, write = from;
-  while (read < size) {
-    const void* found = std::memchr(text + read, '\n', size - read);
-    const std::size_t end = found ? static_cast<std::size_t>(static_cast<const char*>(found) - text) : size;
-    const bool afterCR = end > read && text[end - 1] == '\r';
-    std::memmove(text + write, text + read, end - read);
-    write += end - read;
-    if (!found) break;
-    if (!afterCR) text[write++] = '\r';
-    read = end + 1;
-  }
-  return write;
-}
-
-std::u16string DecodeUTF8File(FileBytes bytes) {
-  const std::size_t size = MakeLineEndsCR(bytes.Begin(), kMarkBytes, bytes.size);
-  std::u16string units;
-  utf::DecodeUTF8(bytes.View().substr(kMarkBytes, size - kMarkBytes), units);
-  return units;
-}
-
-// Word processors write a vertical tab for a soft line break; in the text
-// it stands as "<br>", the marker for a line break inside a value.
-std::u16string DecodeAnsiFile(FileBytes bytes) {
-  const std::string_view text = bytes.View().substr(0, MakeLineEndsCR(bytes.Begin(), 0, bytes.size));
-  constexpr std::u16string_view kSoftBreak = u"<br>";
-  const auto softBreaks = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\v'));
-  std::u16string units;
-  units.reserve(text.size() + softBreaks * (kSoftBreak.size() - 1));
-  std::size_t start = 0;
-  for (std::size_t tab = text.find('\v'); tab != std::string_view::npos; tab = text.find('\v', start)) {
-    DecodeWindows1252(text.substr(start, tab - start), units);
-    units.append(kSoftBreak);
-    start = tab + 1;
-  }
-  DecodeWindows1252(text.substr(start), units);
-  return units;
-}
-
-// Every line feed is dropped, so CR LF reads as CR but a lone LF as nothing,
-// unlike in one-byte files; callers rely on that. An odd last byte is no unit
-// and is ignored.
-std::u16string DecodeUTF16File(const FileBytes& bytes, bool bigEndian) {
-  const std::string_view text = bytes.View().substr(kUTF16MarkBytes);
-  std::u16string units(text.size() / 2, u'\0');
-  char16_t* kept = units.data();
-  for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
-    const auto first = static_cast<unsigned char>(text[i]);
-    const auto second = static_cast<unsigned char>(text[i + 1]);
-    const auto unit = static_cast<char16_t>(bigEndian ? (first << 8) | second : (second << 8) | first);
-    *kept = unit;
-    kept += unit != u'\n';
-  }
-  units.resize(static_cast<std::size_t>(kept - units.data()));
-  return units;
-}
-
-// Decodes a file of at least kMarkBytes bytes by its mark; bytes is consumed
-// so that its memory is free again before the caller builds the text.
-std::u16string DecodeFile(FileBytes bytes) {
-  switch (EncodingByMark(bytes.View().substr(0, kMarkBytes))) {
-    case MarkedEncoding::kUTF16LittleEndian:
-      return DecodeUTF16File(bytes, false);
-    case MarkedEncoding::kUTF16BigEndian:
-      return DecodeUTF16File(bytes, true);
-    case MarkedEncoding::kUTF8:
-      return DecodeUTF8File(std::move(bytes));
-    case MarkedEncoding::kAnsi:
-      break;
-  }
-  return DecodeAnsiFile(std::move(bytes));
-}
 
 enum class Content { kUTF8WithMark, kOneByte, kUTF16, kNothing };
 
@@ -213,26 +95,18 @@ void GetFileEncoding(const PMString& path, PMString& encoding) {
 }
 
 void ReadMixedFile(const PMString& path, WideString& out, const PMString&) {
-  if (SDKUtilities::FileExistsForRead(path) != 0) return;
-  const auto stream = SDKUtilities::CreateFileStreamRead(path);
-  if (!stream) return;
-  if (!stream->IsGood()) {
-    CAlert::InformationAlert("StreamState error!");
-    return;
-  }
-  bool tooShort = false;
+  TextFileReader reader;
+  if (!reader.Open(path)) return;
   try {
-    FileBytes bytes = ReadRest(*stream);
-    tooShort = bytes.size < kMarkBytes;
-    if (!tooShort) {
-      std::u16string units = DecodeFile(std::move(bytes));  // the bytes are freed by now
-      out = WideString(std::move(units));
+    std::u16string units;
+    units.reserve(static_cast<std::size_t>(reader.FileSize()));
+    while (reader.Read(units)) {
     }
+    out = WideString(std::move(units));
   } catch (const std::bad_alloc&) {
     // A file too large for memory cannot be read, and like any unreadable
     // file it leaves out as it was, without a message.
   }
-  if (tooShort) CAlert::InformationAlert("Size of file smaller than 3 bytes!");
 }
 
 bool MorvelSaveUnicodeFile(const PMString& path, const WideString& content, const PMString& kind) {

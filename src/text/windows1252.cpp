@@ -1,8 +1,10 @@
 #include "text/windows1252.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
+#include "host/unit_search.h"
 #include "host/utf.h"
 
 namespace talp {
@@ -42,7 +44,15 @@ void DecodeWindows1252(std::string_view bytes, std::u16string& out) {
   const std::size_t start = out.size();
   out.resize(start + bytes.size());
   char16_t* units = out.data() + start;
-  for (const char byte : bytes) *units++ = kCharOfByte[static_cast<unsigned char>(byte)];
+  const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
+  const std::size_t n = bytes.size();
+  std::size_t i = 0;
+  while (i < n) {
+    i += host::WidenAsciiBlocks(in + i, n - i, units + i);
+    // One block with a byte above 0x7F (or the tail) goes through the table.
+    const std::size_t end = std::min(n, i + 16);
+    for (; i < end; ++i) units[i] = kCharOfByte[in[i]];
+  }
 }
 
 std::string EncodeWindows1252(const WideString& text) {

@@ -65,38 +65,43 @@ WideString PrepareForXML(const WideString& content) {
 
 }  // namespace
 
+DataForm FormOfFirstLine(const WideString& firstLine) {
+  DataForm form;
+  form.xml = isXMLFile(firstLine) == 1;
+  GetMergeDelimiter(firstLine, form.delimiter);  // for XML files too, then unused
+  return form;
+}
+
+void NormaliseXMLTable(WideString& data) {
+  ParseXML(data);
+  CorrectMarkersInXML(data);
+  DecodeXMLEntities(data);
+}
+
 void GetFileData(const PMString& path, WideString& data) {
-  PMString delimiter("\t");
   ReadMixedFile(path, data, PMString());
-  const WideString firstLine = WideString::FromUTF16(FirstLine(data));
-  const bool xml = isXMLFile(firstLine) == 1;
-  GetMergeDelimiter(firstLine, delimiter);
-  if (xml) {
-    ParseXML(data);
-    CorrectMarkersInXML(data);
-    DecodeXMLEntities(data);
-  } else if (delimiter != PMString("\t")) {
-    UnicodeImportHandling(data, delimiter);
+  const DataForm form = FormOfFirstLine(WideString::FromUTF16(FirstLine(data)));
+  if (form.xml) {
+    NormaliseXMLTable(data);
+  } else if (form.delimiter != PMString("\t")) {
+    UnicodeImportHandling(data, form.delimiter);
   }
 }
 
 void SaveFileData(const PMString& path, const WideString& content) {
-  PMString delimiter("\t");
   const PMString quote("\"");
   PMString encoding("UTF-8");
   GetFileEncoding(path, encoding);
   WideString existing;
   ReadMixedFile(path, existing, PMString());
-  const WideString firstLine = WideString::FromUTF16(FirstLine(existing));
-  const bool xml = isXMLFile(firstLine) == 1;
-  GetMergeDelimiter(firstLine, delimiter);
+  const DataForm form = FormOfFirstLine(WideString::FromUTF16(FirstLine(existing)));
   existing.Clear();
   WideString output = content;
-  if (xml) {
+  if (form.xml) {
     output = PrepareForXML(content);
     ExportXML(output);
-  } else if (delimiter != PMString("\t")) {
-    UnicodeExportHandling(output, delimiter, quote);
+  } else if (form.delimiter != PMString("\t")) {
+    UnicodeExportHandling(output, form.delimiter, quote);
   }
   MorvelSaveUnicodeFile(path, output, encoding);
 }

@@ -3,11 +3,24 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 #include "talp/pm_string.h"
 #include "talp/wide_string.h"
 
 namespace talp {
+
+// How a data file is laid out, decided on its first line as read.
+struct DataForm {
+  bool xml = false;
+  PMString delimiter{"\t"};  // "\t", "," or ";"; for XML files not used
+};
+DataForm FormOfFirstLine(const WideString& firstLine);
+
+// Turns the text of an XML table, as read, into the normalised form: rows to
+// lines, stored markers to "<br>" and friends, entities decoded ("&amp;" last).
+void NormaliseXMLTable(WideString& data);
 
 // data = the file at path in normalised form, whatever its encoding and
 // whether it is delimited by TAB, comma or semicolon (detected on the first

@@ -5,6 +5,7 @@
 
 #include "sources/file/file_base.h"
 #include "sources/file/file_data.h"
+#include "sources/file/file_lines.h"
 #include "sources/file/record_filter.h"
 #include "text/item_cursor.h"
 #include "text/text_handlers.h"
@@ -25,21 +26,19 @@ WideString WithTabsAsCR(std::u16string_view text) {
 
 int fetchSpecificRecordFile(const PMString& path, const PMString& keyField, const PMString& keyValue,
                             const WideString& styling, WideString& result) {
-  WideString data;
-  GetFileData(path, data);
-  const std::u16string_view header = FieldOf(data.Units(), kCR, 1);
+  FileLines lines(path);
+  std::u16string_view line;
+  const bool hasHeader = lines.Next(line);
+  const std::u16string header(hasHeader ? line : std::u16string_view());
   const long keyColumn = FindIndexInHeader(WideString::FromUTF16(header), keyField);
-  const int lines = CountUnicodeLines(data);
   // The scan starts at the header, so a key value equal to the key column's
   // name returns the header, and stops before the last record, which is never
   // returned; callers rely on both.
-  ItemCursor records(data.Units(), kCR);
-  std::u16string_view record;
-  for (int i = 1; i < lines && records.Next(record); ++i) {
-    if (FieldOf(record, kTab, keyColumn) == keyValue.AsWide().Units()) {
-      result = WideString::FromUTF16(record);
-      break;
-    }
+  for (bool more = hasHeader; more; more = lines.Next(line)) {
+    if (FieldOf(line, kTab, keyColumn) != keyValue.AsWide().Units()) continue;
+    WideString found = WideString::FromUTF16(line);
+    if (lines.HasNext()) result = std::move(found);
+    break;
   }
   result = WithTabsAsCR(result.Units());
   HandleWordStyling(styling, WithTabsAsCR(header), result);
@@ -47,9 +46,8 @@ int fetchSpecificRecordFile(const PMString& path, const PMString& keyField, cons
 }
 
 int fetchRecordLoopFile(const PMString& path, const PMString& condition, WideString& result) {
-  WideString data;
-  GetFileData(path, data);
-  result.AppendUnits(SelectRecords(data, WideString(condition)));
+  FileLines lines(path);
+  result.AppendUnits(SelectRecords(lines, WideString(condition)));
   return 0;
 }
 

@@ -1,9 +1,11 @@
 #include "sources/file/record_filter.h"
 
 #include "host/case_mapping.h"
+#include "host/unit_search.h"
 #include "host/utf.h"
 #include "talp/host_services.h"
 #include "sources/file/file_data.h"
+#include "sources/file/file_lines.h"
 #include "text/item_cursor.h"
 #include "text/text_handlers.h"
 
@@ -97,13 +99,36 @@ RecordFilter::RecordFilter(const WideString& condition, const WideString& header
   if (!lowerCondition.Contains(WideString("where"))) {
     mode_ = Mode::kSearchWord;
     needle_ = std::u16string(lowerCondition.Units());
+    const char16_t* lower = host::LowerTable();
+    for (char32_t u = 0; u < 0x10000 && firstVariants_.size() <= 2; ++u) {
+      if (!utf::IsSurrogate(u) && lower[u] == needle_[0]) firstVariants_.push_back(static_cast<char16_t>(u));
+    }
+    if (firstVariants_.size() > 2) firstVariants_.clear();
+    return;
+  }
+  WideString op, field, value;
+  FindFieldAndValueFromWhere(op, field, value, condition);
+  column_ = FindIndexInLineHeader(Lowered(header), PMString(field));
+  // A value that starts with "%%" takes every record.
+  if (value.CharCount() >= 2 && First(value) == kPercent && value.GetUTF32TextChar(1) == kPercent) {
+    mode_ = Mode::kEverything;
     return;
   }
   mode_ = Mode::kWhere;
-  WideString op, field;
-  FindFieldAndValueFromWhere(op, field, value_, condition);
-  like_ = op == WideString("LIKE");
-  column_ = FindIndexInLineHeader(Lowered(header), PMString(field));
+  // The four tests run in order on a value that each of the first three
+  // shortens; with the operator "LIKE" the lower-casing persists too.
+  const bool like = op == WideString("LIKE");
+  const auto add = [&](ValueTest::Kind kind, WideString inner) {
+    if (like) inner.ToLower();
+    tests_.push_back({kind, std::u16string(inner.Units()), like});
+    value = std::move(inner);
+  };
+  if (First(value) == kPercent && Last(value) == kPercent) add(ValueTest::kContains, WithoutFirstAndLast(value));
+  if (First(value) != kPercent && Last(value) == kPercent) {
+    add(ValueTest::kBeginsWith, value.Substring(0, value.CharCount() - 1));
+  }
+  if (First(value) == kPercent && Last(value) != kPercent) add(ValueTest::kEndsWithNarrow, value.Substring(1));
+  if (First(value) != kPercent && Last(value) != kPercent) add(ValueTest::kEquals, value);
 }
 
 bool RecordFilter::Includes(std::u16string_view record) {
@@ -111,75 +136,102 @@ bool RecordFilter::Includes(std::u16string_view record) {
     case Mode::kEverything:
       return true;
     case Mode::kSearchWord:
-      lowered_.clear();
-      host::AppendLower(record, lowered_);
-      return utf::FindAtCharBoundaries(lowered_, needle_, 0) != std::u16string_view::npos;
+      return ContainsSearchWord(record);
     case Mode::kWhere:
       return WhereIncludes(record);
   }
   return false;
 }
 
-// The four value tests run in order on a value that each of the first three
-// shortens; with the operator "LIKE" the lower-casing persists too. Records
-// are compared lower-cased while the value keeps its case, so "=" matches only
-// lower-case values; callers rely on both.
+// Whether the lower-cased record contains the search word, compared unit by
+// unit through the lower-case table without making a lower-cased copy. Only
+// a record with surrogates, where a match could involve a pair, takes the
+// full way through a copy.
+bool RecordFilter::ContainsSearchWord(std::u16string_view record) {
+  const char16_t* lower = host::LowerTable();
+  const char16_t* units = record.data();
+  const std::size_t n = record.size();
+  const std::size_t m = needle_.size();
+  const char16_t first = needle_[0];
+  bool surrogates = false;
+  const bool skipAhead = !firstVariants_.empty();
+  const char16_t variantA = skipAhead ? firstVariants_.front() : 0;
+  const char16_t variantB = skipAhead ? firstVariants_.back() : 0;
+  for (std::size_t i = 0; i < n; ++i) {
+    if (skipAhead) {
+      i = host::FindUnit(record, i, variantA, variantB, true);
+      if (i == host::kNotFound) break;
+    }
+    const char16_t unit = units[i];
+    if (utf::IsSurrogate(unit)) {
+      surrogates = true;
+      break;
+    }
+    if (lower[unit] != first || n - i < m) continue;
+    std::size_t j = 1;
+    while (j < m && !utf::IsSurrogate(units[i + j]) && lower[units[i + j]] == needle_[j]) ++j;
+    if (j == m) return true;
+  }
+  if (!surrogates) return false;
+  lowered_.clear();
+  host::AppendLower(record, lowered_);
+  return utf::FindAtCharBoundaries(lowered_, needle_, 0) != std::u16string_view::npos;
+}
+
+// Records are compared lower-cased while the value keeps its case unless the
+// operator is "LIKE", so "=" matches only lower-case values; callers rely on it.
 bool RecordFilter::WhereIncludes(std::u16string_view record) {
   lowered_.clear();
   host::AppendLower(FieldOf(record, kTab, column_), lowered_);
-  WideString fv = WideString::FromUTF16(lowered_);
-  WideString value = value_;
-  if (value.CharCount() >= 2 && First(value) == kPercent && value.GetUTF32TextChar(1) == kPercent) return true;
-
   bool included = false;
-  const auto lowerBothForLike = [&](WideString& inner) {
-    if (!like_) return;
-    inner.ToLower();
-    fv.ToLower();
-  };
-  if (First(value) == kPercent && Last(value) == kPercent) {
-    WideString inner = WithoutFirstAndLast(value);
-    lowerBothForLike(inner);
-    included = fv.Contains(inner);
-    value = inner;
-  }
-  if (First(value) != kPercent && Last(value) == kPercent) {
-    WideString inner = value.Substring(0, value.CharCount() - 1);
-    lowerBothForLike(inner);
-    if (fv.IndexOf(inner) == 0) included = true;
-    value = inner;
-  }
-  if (First(value) == kPercent && Last(value) != kPercent) {
-    WideString inner = value.Substring(1);
-    lowerBothForLike(inner);
-    // A narrow ends-with test, kept as it is: the search starts M + 2 before
-    // the end and only a hit beyond position M + 2 counts.
-    const auto m = static_cast<long>(inner.CharCount());
-    const long start = static_cast<long>(fv.CharCount()) - m - 2;
-    const std::int32_t at = fv.IndexOf(inner, static_cast<std::size_t>(start < 0 ? 0 : start));
-    if (at >= 0 && at > m + 2) included = true;
-    value = inner;
-  }
-  if (First(value) != kPercent && Last(value) != kPercent) {
-    lowerBothForLike(value);
-    if (value == fv) included = true;
+  for (const ValueTest& test : tests_) {
+    if (test.kind == ValueTest::kContains) {
+      included = Passes(test);
+    } else if (Passes(test)) {
+      included = true;
+    }
   }
   return included;
 }
 
-std::u16string SelectRecords(const WideString& data, const WideString& condition) {
-  const int lines = CountUnicodeLines(data);
-  ItemCursor records(data.Units(), kCR);
-  std::u16string_view header;
-  records.Next(header);
-  RecordFilter filter(condition, WideString::FromUTF16(header));
+bool RecordFilter::Passes(const ValueTest& test) {
+  if (test.lowerField) {
+    scratch_.clear();
+    host::AppendLower(lowered_, scratch_);
+    lowered_.swap(scratch_);
+  }
+  const std::u16string_view field = lowered_;
+  const std::u16string_view value = test.value;
+  switch (test.kind) {
+    case ValueTest::kContains:
+      return utf::FindAtCharBoundaries(field, value, 0) != std::u16string_view::npos;
+    case ValueTest::kBeginsWith:
+      return utf::FindAtCharBoundaries(field, value, 0) == 0;
+    case ValueTest::kEquals:
+      return field == value;
+    case ValueTest::kEndsWithNarrow: {
+      // Kept as it is: the search starts M + 2 characters before the end and
+      // only a hit beyond position M + 2 counts, so short fields never pass.
+      const WideString fv = WideString::FromUTF16(field);
+      const auto m = static_cast<long>(WideString::FromUTF16(value).CharCount());
+      const long start = static_cast<long>(fv.CharCount()) - m - 2;
+      const std::int32_t at = fv.IndexOf(WideString::FromUTF16(value), static_cast<std::size_t>(start < 0 ? 0 : start));
+      return at >= 0 && at > m + 2;
+    }
+  }
+  return false;
+}
+
+std::u16string SelectRecords(FileLines& lines, const WideString& condition, std::u16string* header) {
+  std::u16string_view line;
+  if (!lines.Next(line)) return {};
+  if (header != nullptr) *header = line;
+  RecordFilter filter(condition, WideString::FromUTF16(line));
   std::u16string selected;
-  std::u16string_view record;
-  const std::uint64_t total = data.NumUTF16TextChars();
-  for (int i = 2; i <= lines && records.Next(record); ++i) {
-    if (i % kProgressEvery == 0) host::Host().Progress("records", records.ItemOffset(), total);
-    if (filter.Includes(record)) {
-      selected.append(record);
+  for (std::size_t i = 2; lines.Next(line); ++i) {
+    if (i % kProgressEvery == 0) host::Host().Progress("records", lines.BytesRead(), lines.FileSize());
+    if (filter.Includes(line)) {
+      selected.append(line);
       selected.push_back(kCR);
     }
   }

@@ -34,18 +34,33 @@ class RecordFilter {
   enum class Mode { kEverything, kSearchWord, kWhere };
 
   bool WhereIncludes(std::u16string_view record);
+  bool ContainsSearchWord(std::u16string_view record);
 
   Mode mode_;
   std::u16string needle_;  // the lower-cased search word
+  // The units whose lower case is the word's first unit, when there are at
+  // most two of them (the usual upper and lower case); empty otherwise.
+  std::u16string firstVariants_;
+  // One of the four value tests of a where clause, worked out in advance: the
+  // value they see depends on the clause only, never on the record.
+  struct ValueTest {
+    enum Kind { kContains, kBeginsWith, kEndsWithNarrow, kEquals } kind;
+    std::u16string value;  // the value the test compares (already shortened)
+    bool lowerField;       // "LIKE" lower-cases the field again before the test
+  };
+  bool Passes(const ValueTest& test);
+
   long column_ = 1;
-  bool like_ = false;
-  WideString value_;
+  std::vector<ValueTest> tests_;
   std::u16string lowered_;  // reused for each record
+  std::u16string scratch_;
 };
 
-// The records of a normalised data text (after its header line, up to the
-// last line CountUnicodeLines counts) that condition selects, each followed
-// by CR, as the record loop delivers them.
-std::u16string SelectRecords(const WideString& data, const WideString& condition);
+class FileLines;
+
+// The records of a data file after its header line that condition selects,
+// each followed by CR, as the record loop delivers them. lines must be
+// positioned at the header; header, when given, receives it.
+std::u16string SelectRecords(FileLines& lines, const WideString& condition, std::u16string* header = nullptr);
 
 }  // namespace talp

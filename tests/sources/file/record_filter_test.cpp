@@ -95,12 +95,5 @@ INSTANTIATE_TEST_SUITE_P(
         FilterCase{"LoneWhereWordIsAClause", "somewhere\tx", "where", kHeader, 0}),
     [](const testing::TestParamInfo<FilterCase>& p) { return std::string(p.param.name); });
 
-TEST(SelectRecords, SkipsTheHeaderAndEndsEveryRecordWithCR) {
-  const WideString data("name\tcity\rann\tparis\rbo\trome\r");
-  EXPECT_EQ(WideString::FromUTF16(SelectRecords(data, WideString())).ToUTF8(), "ann\tparis\rbo\trome\r");
-  EXPECT_EQ(WideString::FromUTF16(SelectRecords(data, WideString("ROME"))).ToUTF8(), "bo\trome\r");
-  EXPECT_EQ(WideString::FromUTF16(SelectRecords(WideString("name\tcity"), WideString())).ToUTF8(), "");
-}
-
 }  // namespace
 }  // namespace talp

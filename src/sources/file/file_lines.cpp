@@ -1,0 +1,87 @@
+#include "sources/file/file_lines.h"
+
+#include "host/unit_search.h"
+#include "sources/file/file_data.h"
+#include "talp/wide_string.h"
+#include "text/text_handlers.h"
+
+namespace talp {
+
+FileLines::FileLines(const PMString& path) {
+  if (!reader_.Open(path)) {
+    inputEnded_ = true;
+    finalGiven_ = true;
+    return;
+  }
+  // The form is decided on the first line, as GetFileData decides it.
+  std::size_t firstCR;
+  while ((firstCR = raw_.find(kCR)) == std::u16string::npos && reader_.Read(raw_)) {
+  }
+  const DataForm form = FormOfFirstLine(WideString::FromUTF16(std::u16string_view(raw_).substr(0, firstCR)));
+  if (form.xml) {
+    while (reader_.Read(raw_)) {
+    }
+    WideString table(std::move(raw_));
+    NormaliseXMLTable(table);
+    text_ = std::u16string(table.Units());
+    inputEnded_ = true;
+  } else if (form.delimiter != PMString("\t")) {
+    importer_.emplace(form.delimiter.GetChar(0));
+    importer_->Feed(raw_, text_);
+  } else {
+    text_ = std::move(raw_);
+  }
+  raw_.clear();
+}
+
+bool FileLines::Fill() {
+  if (inputEnded_) return false;
+  // What was given out goes, so the buffer stays about one piece large.
+  text_.erase(0, offset_);
+  offset_ = 0;
+  if (importer_) {
+    raw_.clear();
+    inputEnded_ = !reader_.Read(raw_);
+    importer_->Feed(raw_, text_);
+  } else {
+    inputEnded_ = !reader_.Read(text_);
+  }
+  return true;
+}
+
+bool FileLines::FinalPieceCounts(std::u16string_view rest) const {
+  // Text after the last CR is a line when it is not empty; a text without any
+  // CR must hold more than one character.
+  if (sawCR_) return !rest.empty();
+  return WideString::FromUTF16(rest).CharCount() > 1;
+}
+
+bool FileLines::Next(std::u16string_view& line) {
+  for (;;) {
+    const std::size_t cr = host::FindUnit(text_, offset_, kCR, kCR);
+    if (cr != host::kNotFound) {
+      line = std::u16string_view(text_).substr(offset_, cr - offset_);
+      offset_ = cr + 1;
+      sawCR_ = true;
+      return true;
+    }
+    if (Fill()) continue;
+    if (finalGiven_) return false;
+    finalGiven_ = true;
+    const std::u16string_view rest = std::u16string_view(text_).substr(offset_);
+    if (!FinalPieceCounts(rest)) return false;
+    line = rest;
+    offset_ = text_.size();
+    return true;
+  }
+}
+
+bool FileLines::HasNext() {
+  for (;;) {
+    if (host::FindUnit(text_, offset_, kCR, kCR) != host::kNotFound) return true;
+    if (Fill()) continue;
+    return !finalGiven_ && FinalPieceCounts(std::u16string_view(text_).substr(offset_));
+  }
+}
+
+}  // namespace talp

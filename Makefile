@@ -5,7 +5,7 @@ ASAN_BUILD ?= build-asan
 FUZZ_BUILD ?= build-fuzz
 JOBS       ?= $(shell nproc)
 
-.PHONY: all deps build demo test test-asan fuzz bench clean
+.PHONY: all deps build demo test test-asan fuzz bench scale clean
 
 all: build
 
@@ -40,6 +40,13 @@ bench: deps
 	cmake -S . -B build-release -G Ninja -DCMAKE_BUILD_TYPE=Release
 	cmake --build build-release -j $(JOBS) --target talp_bench
 	build-release/bench/talp_bench
+
+# talp against grep and Python on a generated catalogue of a million records.
+scale:
+	scripts/install-deps.sh python3 time bc
+	cmake -S . -B build-release -G Ninja -DCMAKE_BUILD_TYPE=Release
+	cmake --build build-release -j $(JOBS) --target talp
+	bench/scale.sh build-release
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) build-release

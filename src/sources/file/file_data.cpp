@@ -8,6 +8,7 @@
 #include "text/item_cursor.h"
 #include "text/search_replace.h"
 #include "text/text_handlers.h"
+#include "text/text_file_reader.h"
 #include "text/unicode_files.h"
 #include "text/xml_table.h"
 
@@ -63,6 +64,17 @@ WideString PrepareForXML(const WideString& content) {
   return WideString(std::move(prepared));
 }
 
+// The first line of the file's text as ReadMixedFile reads it, without
+// reading further than that line.
+WideString FirstLineOfFile(const PMString& path) {
+  TextFileReader reader;
+  if (!reader.Open(path)) return {};
+  std::u16string text;
+  while (text.find(kCR) == std::u16string::npos && reader.Read(text)) {
+  }
+  return WideString::FromUTF16(FieldOf(text, kCR, 1));
+}
+
 }  // namespace
 
 DataForm FormOfFirstLine(const WideString& firstLine) {
@@ -88,22 +100,18 @@ void GetFileData(const PMString& path, WideString& data) {
   }
 }
 
-void SaveFileData(const PMString& path, const WideString& content) {
+void SaveFileData(const PMString& path, WideString content) {
   const PMString quote("\"");
   PMString encoding("UTF-8");
   GetFileEncoding(path, encoding);
-  WideString existing;
-  ReadMixedFile(path, existing, PMString());
-  const DataForm form = FormOfFirstLine(WideString::FromUTF16(FirstLine(existing)));
-  existing.Clear();
-  WideString output = content;
+  const DataForm form = FormOfFirstLine(FirstLineOfFile(path));
   if (form.xml) {
-    output = PrepareForXML(content);
-    ExportXML(output);
+    content = PrepareForXML(content);
+    ExportXML(content);
   } else if (form.delimiter != PMString("\t")) {
-    UnicodeExportHandling(output, form.delimiter, quote);
+    UnicodeExportHandling(content, form.delimiter, quote);
   }
-  MorvelSaveUnicodeFile(path, output, encoding);
+  MorvelSaveUnicodeFile(path, content, encoding);
 }
 
 void GetMergeDelimiter(const WideString& line, PMString& delimiter) {

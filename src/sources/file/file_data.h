@@ -30,7 +30,7 @@ void GetFileData(const PMString& path, WideString& data);
 // Rewrites the file at path with content (normalised form), keeping the
 // file's delimiter, XML form and encoding as found on disk; a new file is
 // written as UTF-8 TAB text. The file is replaced atomically.
-void SaveFileData(const PMString& path, const WideString& content);
+void SaveFileData(const PMString& path, WideString content);
 
 // Sets delimiter to "\t", "," or ";" when that character is strictly the most
 // frequent of the three in line; leaves it as it was on a tie.

@@ -4,6 +4,7 @@
 
 #include "sources/file/file_base.h"
 #include "sources/file/file_data.h"
+#include "sources/file/file_lines.h"
 #include "text/item_cursor.h"
 #include "text/search_replace.h"
 #include "text/text_handlers.h"
@@ -17,18 +18,18 @@ int updateBaseFieldWithInfoFile(const WideString& newValue, const PMString& upda
   SearchReplaceUnicode(value, WideString("\r"), WideString("<br>"));
   SearchReplaceUnicode(value, WideString("\n"), WideString("<sr>"));
 
-  WideString data;
-  GetFileData(path, data);
-  const WideString header = WideString::FromUTF16(FieldOf(data.Units(), kCR, 1));
-  const long keyColumn = FindIndexInHeader(header, keyField);
-  const long updateColumn = FindIndexInHeader(header, updateField);
-  const int lines = CountUnicodeLines(data);
-
-  std::u16string content;
-  content.reserve(data.NumUTF16TextChars() + static_cast<std::size_t>(lines) + 1);
-  ItemCursor records(data.Units(), kCR);
+  FileLines lines(path);
   std::u16string_view record;
-  for (int i = 1; i <= lines && records.Next(record); ++i) {
+  std::u16string content;
+  std::u16string header;
+  long keyColumn = 1, updateColumn = 1;
+  for (bool first = true; lines.Next(record); first = false) {
+    if (first) {
+      header = record;
+      keyColumn = FindIndexInHeader(WideString::FromUTF16(header), keyField);
+      updateColumn = FindIndexInHeader(WideString::FromUTF16(header), updateField);
+      content.reserve(static_cast<std::size_t>(lines.FileSize()) + 16);
+    }
     if (FieldOf(record, kTab, keyColumn) != keyValue.AsWide().Units()) {
       content.append(record);
     } else {
@@ -44,7 +45,6 @@ int updateBaseFieldWithInfoFile(const WideString& newValue, const PMString& upda
     }
     content.push_back(kCR);
   }
-  data.Clear();
   SaveFileData(path, WideString(std::move(content)));
   return 0;
 }

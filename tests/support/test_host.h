@@ -1,11 +1,14 @@
 // Host services for tests: alerts are recorded instead of shown, a process
 // exit throws ProcessExit instead of ending the test run, files are the
-// platform's, and a script runner can be supplied. Installs itself for its
-// lifetime.
+// platform's (or bytes in memory), and a script runner can be supplied.
+// Installs itself for its lifetime.
 #pragma once
 
+#include <algorithm>
 #include <functional>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "talp/host_services.h"
@@ -33,6 +36,41 @@ class TestHost : public host::PlatformHostServices {
 
  private:
   host::ScopedHostServices scope_;
+};
+
+// Bytes in memory behind a read stream of unknown size that hands out at
+// most chunk bytes per read, so that pieces end inside characters and lines.
+class MemoryReadStream : public host::FileReadStream {
+ public:
+  MemoryReadStream(std::string_view bytes, bool good, std::size_t chunk) : bytes_(bytes), good_(good), chunk_(chunk) {}
+  bool IsGood() const override { return good_; }
+  std::int64_t Size() const override { return -1; }
+  bool Seek(std::int64_t) override { return false; }
+  std::size_t Read(void* buffer, std::size_t n) override {
+    const std::size_t got = bytes_.copy(static_cast<char*>(buffer), std::min(n, chunk_), at_);
+    at_ += got;
+    return got;
+  }
+
+ private:
+  std::string_view bytes_;
+  bool good_;
+  std::size_t chunk_, at_ = 0;
+};
+
+// A test host whose every file, whatever its path, reads as bytes.
+class MemoryFileHost : public TestHost {
+ public:
+  MemoryFileHost(std::string_view bytes, std::size_t chunk, bool good = true)
+      : bytes_(bytes), chunk_(chunk), good_(good) {}
+  std::unique_ptr<host::FileReadStream> OpenFileRead(const PMString&) override {
+    return std::make_unique<MemoryReadStream>(bytes_, good_, chunk_);
+  }
+
+ private:
+  std::string_view bytes_;
+  std::size_t chunk_;
+  bool good_;
 };
 
 }  // namespace talp::test

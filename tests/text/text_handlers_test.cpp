@@ -18,71 +18,45 @@ std::u16string U(const PMString& text) { return U(text.AsWide()); }
 #define SMILE u"\U0001F600"
 #define LONE_HIGH u"\xD83D"
 
-struct FieldCase {
-  const char* name;
-  std::u16string_view text;
-  char32_t separator;
-  long n;
-  std::u16string_view want;
-};
-
-// myGetLine, GetUnicodeItem and GetUnicode32Item count fields alike.
+// myGetLine, GetUnicodeItem and GetUnicode32Item count fields alike. fields[n]
+// is field n; field 0, fields past the last and negative ones are empty.
 TEST(TextHandlersTest, SingleCharacterFields) {
-  const FieldCase cases[] = {
-      {"FirstField", u"a;b;;d", ';', 1, u"a"},
-      {"EmptyField", u"a;b;;d", ';', 3, u""},
-      {"LastField", u"a;b;;d", ';', 4, u"d"},
-      {"PastLastFieldIsEmpty", u"a;b;;d", ';', 5, u""},
-      {"FieldZeroIsEmpty", u"a;b;;d", ';', 0, u""},
-      {"NegativeIsEmpty", u"a;b;;d", ';', -1, u""},
-      {"LongMinIsEmpty", u"a;b", ';', LONG_MIN, u""},
-      {"LongMaxIsEmpty", u"a;b", ';', LONG_MAX, u""},
-      {"AfterFinalSeparatorIsEmpty", u"a;b;", ';', 3, u""},
-      {"EmptySource", u"", ';', 1, u""},
-      {"NoSeparatorIsWholeText", u"abc", ';', 1, u"abc"},
-      {"PairsAreKept", SMILE u";x", ';', 1, SMILE},
-      {"SurrogateSeparatorSkipsPairs", u"a" SMILE LONE_HIGH u"x", 0xD83D, 1, u"a" SMILE},
-      {"SupplementarySeparator", u"a" SMILE u"b", 0x1F600, 2, u"b"},
+  const struct {
+    const char* name;
+    std::u16string_view text;
+    char32_t separator;
+    std::vector<std::u16string> fields;
+  } cases[] = {
+      {"Fields", u"a;b;;d", ';', {u"", u"a", u"b", u"", u"d", u""}},
+      {"AfterFinalSeparatorIsEmpty", u"a;b;", ';', {u"", u"a", u"b", u""}},
+      {"EmptySource", u"", ';', {u"", u""}},
+      {"PairsAreKept", SMILE u";x", ';', {u"", SMILE, u"x"}},
+      {"SurrogateSeparatorSkipsPairs", u"a" SMILE LONE_HIGH u"x", 0xD83D, {u"", u"a" SMILE, u"x"}},
+      {"SupplementarySeparator", u"a" SMILE u"b", 0x1F600, {u"", u"a", u"b"}},
+      {"NoCharacterBeyondUnicode", u"a", 0x110000, {u"", u"a", u""}},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    const int narrowN = static_cast<int>(std::clamp<long>(c.n, INT_MIN, INT_MAX));
-    EXPECT_EQ(U(myGetLine(PMString(W(c.text)), c.separator, narrowN)), c.want);
-    WideString out = W(u"stale");
-    GetUnicode32Item(out, W(c.text), c.separator, c.n);
-    EXPECT_EQ(U(out), c.want);
-    if (c.separator > 0xFFFF) continue;
-    out = W(u"stale");
-    GetUnicodeItem(out, W(c.text), static_cast<unsigned short>(c.separator), c.n);
-    EXPECT_EQ(U(out), c.want);
+    for (std::size_t i = 0; i < c.fields.size() + 2; ++i) {
+      const long n = i < c.fields.size() ? static_cast<long>(i) : i == c.fields.size() ? LONG_MIN : LONG_MAX;
+      const std::u16string want = i < c.fields.size() ? c.fields[i] : u"";
+      SCOPED_TRACE(std::string(c.name) + ", field " + std::to_string(n));
+      EXPECT_EQ(U(myGetLine(PMString(W(c.text)), c.separator, static_cast<int>(std::clamp<long>(n, INT_MIN, INT_MAX)))),
+                want);
+      WideString out = W(u"stale");
+      GetUnicode32Item(out, W(c.text), c.separator, n);
+      EXPECT_EQ(U(out), want);
+      if (c.separator > 0xFFFF) continue;
+      out = W(u"stale");
+      GetUnicodeItem(out, W(c.text), static_cast<unsigned short>(c.separator), n);
+      EXPECT_EQ(U(out), want);
+    }
   }
-}
-
-TEST(TextHandlersTest, FieldOutputMayBeTheText) {
   WideString line = W(u"a\tb\tc");
-  GetUnicodeItem(line, line, kTab, 2);
+  GetUnicodeItem(line, line, kTab, 2);  // the output may be the text
   EXPECT_EQ(U(line), u"b");
 }
 
-TEST(TextHandlersTest, MyReplace) {
-  const struct {
-    const char* name;
-    std::u16string_view source, find, replacement, want;
-  } cases[] = {
-      {"Replaces", u"xabcxabc", u"abc", u"Q", u"xQxQ"},
-      {"OnlyFirstAndLastCompared", u"axc", u"abc", u"Q", u"Q"},
-      {"RejectedSpanConsumedWhole", u"aab", u"ab", u"Q", u"aab"},
-      {"SpanPastEndNeverMatches", u"xa", u"ab", u"Q", u"xa"},
-      {"ReplacementNotRescanned", u"aa", u"a", u"aa", u"aaaa"},
-      {"EmptyFindChangesNothing", u"abc", u"", u"Q", u"abc"},
-      {"EmptySource", u"", u"a", u"Q", u""},
-      {"PairsAreOneCharacter", SMILE u"y" SMILE, SMILE u"z" SMILE, u"Q", u"Q"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(U(myReplace(PMString(W(c.source)), PMString(W(c.find)), PMString(W(c.replacement)))), c.want);
-  }
-}
+// myReplace is tested beside SearchReplaceUnicode, to show where the two differ.
 
 TEST(TextHandlersTest, CountsAndNumbers) {
   EXPECT_EQ(CountNumber(PMString("a;b;"), ';'), 2u);
@@ -105,10 +79,7 @@ TEST(TextHandlersTest, Lines) {
       {"OneCharacterIsNoLine", u"a", {}},
       {"OnePairIsNoLine", SMILE, {}},
       {"TwoCharacters", u"ab", {u"ab"}},
-      {"CharacterThenCR", u"a\r", {u"a\t"}},
-      {"LoneCR", u"\r", {u"\t"}},
       {"CRThenCharacter", u"\rb", {u"\t", u"b"}},
-      {"TextAfterLastCR", u"a\rb", {u"a\t", u"b"}},
       {"EndsWithCR", u"a\rbc\r", {u"a\t", u"bc\t"}},
       {"LineFeedIsText", u"a\nb", {u"a\nb"}},
   };
@@ -121,40 +92,34 @@ TEST(TextHandlersTest, Lines) {
     for (const auto& line : lines) got.push_back(U(line));
     EXPECT_EQ(got, c.lines);
   }
-}
-
-TEST(TextHandlersTest, LineArrayMayHoldTheText) {
   std::vector<WideString> lines = {W(u"a\rb")};
-  CreateLineArray(lines[0], lines);
+  CreateLineArray(lines[0], lines);  // the array may hold the text
   ASSERT_EQ(lines.size(), 2u);
   EXPECT_EQ(U(lines[1]), u"b");
 }
 
+// items[n] is item n, from 0; n past the end or negative gives the last item.
 TEST(TextHandlersTest, MultiCharacterItems) {
   const struct {
     const char* name;
     std::u16string_view text, separator;
-    long n;
-    std::u16string_view want;
+    std::vector<std::u16string> items;
   } cases[] = {
-      {"ItemZeroIsFirst", u"x::y::z", u"::", 0, u"x"},
-      {"Middle", u"x::y::z", u"::", 1, u"y"},
-      {"PastEndGivesLast", u"x::y::z", u"::", 5, u"z"},
-      {"NegativeGivesLast", u"x::y::z", u"::", -1, u"z"},
-      {"LongMinGivesLast", u"x::y::z", u"::", LONG_MIN, u"z"},
-      {"LongMaxGivesLast", u"x::y::z", u"::", LONG_MAX, u"z"},
-      {"AfterFinalSeparatorIsEmpty", u"x::", u"::", 9, u""},
-      {"SeparatorsDoNotOverlap", u"aaa", u"aa", 1, u"a"},
-      {"SeparatorPastEndIsText", u"x:", u"::", 0, u"x:"},
-      {"EmptyText", u"", u"::", 0, u""},
-      {"EmptySeparatorSplitsNothing", u"abc", u"", 1, u"abc"},
-      {"LoneSurrogateSkipsPairs", u"a" SMILE LONE_HIGH u"c", LONE_HIGH, 0, u"a" SMILE},
+      {"Items", u"x::y::z", u"::", {u"x", u"y", u"z"}},
+      {"AfterFinalSeparatorIsEmpty", u"x::", u"::", {u"x", u""}},
+      {"SeparatorsDoNotOverlap", u"aaa", u"aa", {u"", u"a"}},
+      {"SeparatorPastEndIsText", u"x:", u"::", {u"x:"}},
+      {"EmptySeparatorSplitsNothing", u"abc", u"", {u"abc"}},
+      {"LoneSurrogateSkipsPairs", u"a" SMILE LONE_HIGH u"c", LONE_HIGH, {u"a" SMILE, u"c"}},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    WideString out = W(u"stale");
-    EXPECT_EQ(U(GetItemUnicode(out, W(c.text), W(c.separator), c.n)), c.want);
-    EXPECT_EQ(U(out), c.want);
+    for (const long n : {0L, 1L, 2L, 3L, 99L, LONG_MAX, -1L, LONG_MIN}) {
+      const std::u16string& want = c.items[std::min<std::size_t>(n < 0 ? 99 : n, c.items.size() - 1)];
+      SCOPED_TRACE(std::string(c.name) + ", item " + std::to_string(n));
+      WideString out = W(u"stale");
+      EXPECT_EQ(U(GetItemUnicode(out, W(c.text), W(c.separator), n)), want);
+      EXPECT_EQ(U(out), want);
+    }
   }
   WideString text = W(u"x::y");
   EXPECT_EQ(U(GetItemUnicode(text, text, W(u"::"), 1)), u"y");
@@ -210,9 +175,8 @@ TEST(TextHandlersTest, FindDataInRecord) {
       {"FirstOfEqualNames", u"a\ra", u"1\r2", u"a", u"1"},
       {"MissingValueIsEmpty", u"a\rb", u"1", u"b", u""},
       {"UnknownLeavesOut", u"a", u"1", u"z", u"untouched"},
-      {"AmpersandDecodedLast", u"a", u"&amp;lt;&amp;apos;", u"a", u"&lt;&apos;"},
-      {"EntitiesBeforeMarkers", u"a", u"&lt;br&gt;", u"a", u"\r"},
-      {"Markers", u"a", u"<tb>&quot;<br>&apos;<sr>&gt;", u"a", u"\t\"\r'\n>"},
+      // Entities first, "&amp;" last, then markers.
+      {"Decoded", u"a", u"&amp;lt;&amp;apos;&lt;br&gt;<tb>&quot;<br>&apos;<sr>&gt;", u"a", u"&lt;&apos;\r\t\"\r'\n>"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);

@@ -1,82 +1,73 @@
 // The talp tool's option handling and output modes, run in-process against a
 // provider that records what it is asked.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <ostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "progress.h"
 #include "run.h"
+#include "temp_folder.h"
 
 namespace talp::cli {
 namespace {
 
 std::string S(const PMString& s) { return s.GrabCString(); }
 std::string S(const WideString& s) { return s.ToUTF8(); }
+std::string S(long n) { return std::to_string(n); }
 
+// Records each call as "operation arg|arg|..." and answers two records.
 class RecordingRemote final : public ITALPRemote {
  public:
   IPMUnknown* QueryInterface(PMIID) const override { return nullptr; }
   void AddRef() const override {}
   void Release() const override {}
 
-  int GetDatabaseList(PMString d, WideString& r) override { return Answer("databases " + S(d), r); }
-  int GetTableList(PMString d, WideString& r) override { return Answer("tables " + S(d), r); }
+  int GetDatabaseList(PMString d, WideString& r) override { return Answer(r, "databases", d); }
+  int GetTableList(PMString d, WideString& r) override { return Answer(r, "tables", d); }
   int GetColumnList(PMString d, WideString styling, WideString& r) override {
-    return Answer("columns " + S(d) + " styling=" + S(styling), r);
+    return Answer(r, "columns", d, styling);
   }
   int GetRecordList(PMString d, WideString& r, PMString search, long p4) override {
-    return Answer("list " + S(d) + " search=" + S(search) + " p4=" + std::to_string(p4), r);
+    return Answer(r, "list", d, search, p4);
   }
-  int GetRecordLoop(PMString d, WideString& r, PMString where) override {
-    return Answer("loop " + S(d) + " where=" + S(where), r);
-  }
+  int GetRecordLoop(PMString d, WideString& r, PMString where) override { return Answer(r, "loop", d, where); }
   int GetSpecificRecord(PMString d, PMString key, WideString styling, WideString& r) override {
-    return Answer("record " + S(d) + " key=" + S(key) + " styling=" + S(styling), r);
+    return Answer(r, "record", d, key, styling);
   }
   int SendUpdateBaseFieldWithInfo(WideString value, PMString field, PMString keyValue, PMString host, int port,
                                   PMString user, PMString password, PMString database, PMString table,
                                   PMString keyField, PMString type, PMString dsn, PMString file) override {
-    WideString none;
-    return Answer("update " + S(value) + " field=" + S(field) + " keyValue=" + S(keyValue) + " " + S(host) + "|" +
-                      std::to_string(port) + "|" + S(user) + "|" + S(password) + "|" + S(database) + "|" +
-                      S(table) + "|" + S(keyField) + "|" + S(type) + "|" + S(dsn) + "|" + S(file),
-                  none);
+    return Answer(none_, "update", value, field, keyValue, host, port, user, password, database, table, keyField,
+                  type, dsn, file);
   }
   int SendConnectWithInfoSQL(WideString statement, PMString host, int port, PMString user, PMString password,
                              PMString database, PMString extra) override {
-    WideString none;
-    return Answer("sql " + S(statement) + " " + S(host) + "|" + std::to_string(port) + "|" + S(user) + "|" +
-                      S(password) + "|" + S(database) + " extra=" + S(extra),
-                  none);
+    return Answer(none_, "sql", statement, host, port, user, password, database, extra);
   }
   void SendUsingHttpPost(PMString url, int port, PMString file, PMString value, PMString name) override {
-    WideString none;
-    Answer("upload " + S(url) + " " + std::to_string(port) + " " + S(file) + " " + S(value) + " " + S(name), none);
+    Answer(none_, "upload", url, port, file, value, name);
   }
-  void GetUsingHttpPost(PMString url, int port, WideString& r) override {
-    Answer("get " + S(url) + " " + std::to_string(port), r);
-  }
+  void GetUsingHttpPost(PMString url, int port, WideString& r) override { Answer(r, "get", url, port); }
   void GetGroupDataLoop(PMString d, WideString styling, WideString& r, PMString query) override {
-    Answer("group " + S(d) + " styling=" + S(styling) + " query=" + S(query), r);
+    Answer(r, "group", d, styling, query);
   }
 
   std::vector<std::string> calls;
-  WideString answer{"1\tnut\r22\tbolt M4\r"};
   int status = 0;
 
  private:
-  int Answer(std::string call, WideString& result) {
-    calls.push_back(std::move(call));
-    result = answer;
+  template <typename... Args>
+  int Answer(WideString& result, std::string call, const Args&... args) {
+    std::string separator = " ";
+    ((call += separator + S(args), separator = "|"), ...);
+    calls.push_back(call);
+    result = WideString("1\tnut\r22\tbolt M4\r");
     return status;
   }
+  WideString none_;
 };
 
 struct TalpRun {
@@ -85,8 +76,7 @@ struct TalpRun {
   std::vector<std::string> calls;
 };
 
-TalpRun Talp(std::vector<std::string> args, bool terminal = false, const char* envPassword = nullptr,
-         int status = 0) {
+TalpRun Talp(std::vector<std::string> args, bool terminal = false, const char* envPassword = nullptr, int status = 0) {
   RecordingRemote remote;
   remote.status = status;
   std::ostringstream out, err;
@@ -114,30 +104,29 @@ INSTANTIATE_TEST_SUITE_P(
     Cases, TalpOperations,
     testing::Values(
         CallCase{"Databases", {"databases", "--host", "db", "--port", "3307"}, "databases db;3307"},
-        CallCase{"Tables", {"tables", "-d", "h;1;u;p;shop;;;;;mySQL"}, "tables h;1;u;p;shop;;;;;mySQL"},
         CallCase{"Columns", {"columns", "--type", "File", "--file", "/d/a.txt", "--styling", "a\tb"},
-                 "columns ;;;;;;;;;File;;/d/a.txt styling=a\tb"},
+                 "columns ;;;;;;;;;File;;/d/a.txt|a\tb"},
         CallCase{"List", {"list", "--search", "nut", "--key", "id", "--sort", "name"},
-                 "list ;;;;;;id;;;;;;;;;;;;;;name search=nut p4=0"},
-        CallCase{"Loop", {"loop", "--where=where name LIKE 'n%'", "-d", "x"}, "loop x where=where name LIKE 'n%'"},
-        CallCase{"Record", {"record", "42", "--styling", "s"}, "record  key=42 styling=s"},
+                 "list ;;;;;;id;;;;;;;;;;;;;;name|nut|0"},
+        CallCase{"Loop", {"loop", "--where=where name LIKE 'n%'", "-d", "x"}, "loop x|where name LIKE 'n%'"},
+        CallCase{"Record", {"record", "42", "--styling", "s"}, "record |42|s"},
         CallCase{"Group", {"group", "--query", "q", "--group", "cat", "--contents", "[name]"},
-                 "group ;;;;;;;;;;;;;cat;[name] styling= query=q"},
+                 "group ;;;;;;;;;;;;;cat;[name]||q"},
         CallCase{"Update",
                  {"update", "bolt", "--field", "name", "--key-value", "7", "-d",
                   "h;3306;u;pw;db;parts;id;;;File;dsn;/d/p.txt"},
-                 "update bolt field=name keyValue=7 h|3306|u|pw|db|parts|id|File|dsn|/d/p.txt"},
+                 "update bolt|name|7|h|3306|u|pw|db|parts|id|File|dsn|/d/p.txt"},
         CallCase{"Sql", {"sql", "DELETE FROM t", "--host", "h", "--user", "u", "--extra", "x"},
-                 "sql DELETE FROM t h|0|u|| extra=x"},
+                 "sql DELETE FROM t|h|0|u|||x"},
         CallCase{"Upload",
                  {"upload", "http://h/in", "--port", "8080", "--file", "/d/a.jpg", "--filepath-value", "v",
                   "--name", "a.jpg"},
-                 "upload http://h/in 8080 /d/a.jpg v a.jpg"},
-        CallCase{"Get", {"get", "http://h/list", "--port", "81"}, "get http://h/list 81"},
+                 "upload http://h/in|8080|/d/a.jpg|v|a.jpg"},
+        CallCase{"Get", {"get", "http://h/list", "--port", "81"}, "get http://h/list|81"},
         // Named fields override the raw descriptor's; the rest stays as given.
         CallCase{"FieldOverridesRaw", {"tables", "-d", "a;b;c;d;e", "--user", "bob"}, "tables a;b;bob;d;e"},
         CallCase{"RawKeptExactly", {"tables", "-d", " spaced ;;"}, "tables  spaced ;;"},
-        CallCase{"DoubleDashEndsOptions", {"record", "--", "-5"}, "record  key=-5 styling="}),
+        CallCase{"DoubleDashEndsOptions", {"record", "--", "-5"}, "record |-5|"}),
     [](const testing::TestParamInfo<CallCase>& p) { return std::string(p.param.name); });
 
 struct UsageCase {
@@ -179,28 +168,23 @@ TEST(TalpPassword, ComesFromTheEnvironmentUnlessGiven) {
 }
 
 TEST(TalpOptionFiles, AtReadsTheFileExactly) {
-  const auto path = std::filesystem::temp_directory_path() / ("talp-cli-" + std::to_string(::getpid()));
-  std::ofstream(path, std::ios::binary) << "<?xml?>\r\n<Process/>\n";
-  const TalpRun run = Talp({"columns", "--styling", "@" + path.string(), "--password", "@" + path.string()});
-  std::filesystem::remove(path);
+  const test::TempFolder folder;
+  test::Spit(folder / "option", "<?xml?>\r\n<Process/>\n");
+  const std::string at = "@" + (folder / "option").string();
+  const TalpRun run = Talp({"columns", "--styling", at, "--password", at});
   ASSERT_EQ(run.err, "");
-  EXPECT_EQ(run.calls, std::vector<std::string>{"columns ;;;<?xml?>\r\n<Process/>\n styling=<?xml?>\r\n<Process/>\n"});
+  EXPECT_EQ(run.calls, std::vector<std::string>{"columns ;;;<?xml?>\r\n<Process/>\n|<?xml?>\r\n<Process/>\n"});
 }
 
-TEST(TalpOutput, RawIsTheDefaultOffATerminal) {
-  EXPECT_EQ(Talp({"tables"}).out, "1\tnut\r22\tbolt M4\r");
-  EXPECT_EQ(Talp({"tables", "--raw"}, true).out, "1\tnut\r22\tbolt M4\r");
-}
-
-TEST(TalpOutput, Utf16IsLittleEndianWithoutMark) {
-  const std::string out = Talp({"tables", "--utf16"}).out;
-  EXPECT_EQ(out.substr(0, 6), std::string("1\0\t\0n\0", 6));
-  EXPECT_EQ(out.size(), 2 * std::string("1\tnut\r22\tbolt M4\r").size());
-}
-
-TEST(TalpOutput, PrettyAlignsFieldsAndIsTheDefaultOnATerminal) {
+TEST(TalpOutput, RawOffATerminalPrettyOnOneUtf16OnRequest) {
+  const std::string raw = "1\tnut\r22\tbolt M4\r";
+  EXPECT_EQ(Talp({"tables"}).out, raw);
+  EXPECT_EQ(Talp({"tables", "--raw"}, true).out, raw);
   EXPECT_EQ(Talp({"tables"}, true).out, "1   nut\n22  bolt M4\n");
   EXPECT_EQ(Talp({"tables", "--pretty"}).out, "1   nut\n22  bolt M4\n");
+  const std::string utf16 = Talp({"tables", "--utf16"}).out;  // little endian without mark
+  EXPECT_EQ(utf16.substr(0, 6), std::string("1\0\t\0n\0", 6));
+  EXPECT_EQ(utf16.size(), 2 * raw.size());
 }
 
 TEST(TalpStatus, IsTheOperationsStatus) {
@@ -217,11 +201,6 @@ TEST(TalpHelp, PrintsUsage) {
   EXPECT_TRUE(run.calls.empty());
 }
 
-}  // namespace
-}  // namespace talp::cli
-
-namespace talp::cli {
-namespace {
 
 TEST(TalpProgress, FormatsPercentOrCount) {
   EXPECT_EQ(FormatProgress("records", 50, 200), "records 25%");

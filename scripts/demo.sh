@@ -25,3 +25,11 @@ done
 echo
 echo "=== the record list (key column and sort column of the selected records)"
 run list --type File --file examples/catalogue-comma.csv --key name --sort price --search tools
+
+echo
+echo "=== word styling: every process type on one record"
+run style 1005 --styling @examples/styling.xml --type File --file examples/catalogue-tab.txt --key sku
+
+echo
+echo "=== the group loop: tools and fasteners grouped by category"
+run group --type File --file examples/catalogue-comma.csv --group category --contents "[name]" --query "where category LIKE '%s'"

@@ -109,4 +109,24 @@ inline std::size_t WidenAsciiBlocks(const unsigned char* bytes, std::size_t n, c
   return i;
 }
 
+// Narrows the leading units below 0x80 of units[0, n) into dest, eight at a
+// time, and returns how many it narrowed (a multiple of eight).
+inline std::size_t NarrowAsciiBlocks(const char16_t* units, std::size_t n, char* dest) {
+  std::size_t i = 0;
+#if defined(__SSE2__)
+  const __m128i high = _mm_set1_epi16(static_cast<short>(0xFF80));
+  const __m128i zero = _mm_setzero_si128();
+  for (; i + 8 <= n; i += 8) {
+    const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + i));
+    if (_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(chunk, high), zero)) != 0xFFFF) break;
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(dest + i), _mm_packus_epi16(chunk, chunk));
+  }
+#else
+  static_cast<void>(units);
+  static_cast<void>(n);
+  static_cast<void>(dest);
+#endif
+  return i;
+}
+
 }  // namespace talp::host

@@ -128,15 +128,27 @@ std::size_t IncompleteUTF8Tail(std::string_view bytes) {
 }
 
 void EncodeUTF8(std::u16string_view units, std::string& out) {
-  out.reserve(out.size() + units.size());
+  // At most three bytes a unit (a pair of units takes four): size once,
+  // write through a pointer, trim.
+  const std::size_t start = out.size();
+  out.resize(start + units.size() * 3);
+  char* const first = out.data() + start;
+  char* dest = first;
   std::size_t i = 0;
   while (i < units.size()) {
+    const std::size_t ascii = host::NarrowAsciiBlocks(units.data() + i, units.size() - i, dest);
+    i += ascii;
+    dest += ascii;
+    if (i >= units.size()) break;
     if (units[i] < 0x80) {
-      out.push_back(static_cast<char>(units[i++]));
+      *dest++ = static_cast<char>(units[i++]);
       continue;
     }
-    AppendUTF8(out, NextChar(units, i));
+    std::string encoded;
+    AppendUTF8(encoded, NextChar(units, i));
+    for (const char byte : encoded) *dest++ = byte;
   }
+  out.resize(start + static_cast<std::size_t>(dest - first));
 }
 
 }  // namespace talp::utf

@@ -1,14 +1,13 @@
 #include "text/search_replace.h"
 
-#include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "host/utf.h"
 #include "text/item_cursor.h"
+#include "text/record_template.h"
 #include "text/text_handlers.h"
 
 namespace talp {
@@ -48,44 +47,6 @@ void ReplaceUnits(WideString& text, Units find, Units replacement) {
   text = WideString(std::move(out));
 }
 
-// The values of one record by name, indexed on first use so that a template
-// with many placeholders costs one pass over the record. The first of equal
-// names wins, as in FindDataInRecord.
-class RecordValues {
- public:
-  RecordValues(const WideString& names, const WideString& values) : names_(names), values_(values) {}
-
-  // Appends the decoded value of name to out; nothing when name is unknown.
-  void AppendValue(Units name, std::u16string& out) {
-    if (!byName_) Index();
-    const auto found = byName_->find(name);
-    if (found == byName_->end()) return;
-    // A one-field record with an empty name decodes the raw value exactly as
-    // FindDataInRecord decodes it in the full record.
-    WideString value;
-    FindDataInRecord(WideString(), WideString::FromUTF16(found->second), WideString(), value);
-    out.append(value.Units());
-  }
-
- private:
-  void Index() {
-    byName_.emplace();
-    ItemCursor nameCursor(names_.Units(), kCR);
-    ItemCursor valueCursor(values_.Units(), kCR);
-    Units name;
-    Units value;
-    bool valuesLeft = true;
-    while (nameCursor.Next(name)) {
-      valuesLeft = valuesLeft && valueCursor.Next(value);
-      byName_->try_emplace(name, valuesLeft ? value : Units());
-    }
-  }
-
-  const WideString& names_;
-  const WideString& values_;
-  std::optional<std::unordered_map<Units, Units>> byName_;
-};
-
 }  // namespace
 
 void SearchReplaceUnicode(WideString& text, const WideString& find, const WideString& replacement) {
@@ -122,29 +83,9 @@ void UnicodeCleaning(WideString& text, const WideString& table) {
 }
 
 void MergeContentToString(WideString& text, const WideString& names, const WideString& values) {
-  const Units pattern = text.Units();
-  RecordValues record(names, values);
   std::u16string out;
-  out.reserve(pattern.size());
-  bool closersLeft = true;
-  std::size_t i = 0;
-  while (i < pattern.size()) {
-    const std::size_t open = pattern.find(u'[', i);
-    if (open == Units::npos) {
-      out.append(pattern.substr(i));
-      break;
-    }
-    out.append(pattern.substr(i, open - i));
-    // Once no "]" is left, none is searched for again: every later "[" is dropped.
-    const std::size_t close = closersLeft ? pattern.find(u']', open + 1) : Units::npos;
-    if (close == Units::npos) {
-      closersLeft = false;
-      i = open + 1;
-      continue;
-    }
-    record.AppendValue(pattern.substr(open + 1, close - open - 1), out);
-    i = close + 1;
-  }
+  out.reserve(text.NumUTF16TextChars());
+  RecordTemplate(text.Units(), names.Units()).Fill(SplitFields(values.Units(), kCR), out);
   // Assigned last, as names or values may be text itself.
   text = WideString(std::move(out));
 }

@@ -66,16 +66,15 @@ bool KeepsLastLine(const WideString& text, bool hasCR, Units lastLine) {
   return hasCR ? !lastLine.empty() : text.CharCount() > 1;
 }
 
-// Entities, then the markers of stored values.
-void DecodeValue(WideString& value) {
+}  // namespace
+
+void DecodeRecordValue(WideString& value) {
   static const std::pair<WideString, WideString> kMarkers[] = {{"<br>", "\r"}, {"<sr>", "\n"}, {"<tb>", "\t"}};
   DecodeXMLEntities(value);
   for (const auto& [encoded, decoded] : kMarkers) {
     SearchReplaceUnicode(value, encoded, decoded);
   }
 }
-
-}  // namespace
 
 PMString myGetLine(const PMString& source, PlatformChar separator, int n) {
   return PMString(WideString::FromUTF16(FieldOf(source.AsWide().Units(), separator, n)));
@@ -234,7 +233,7 @@ void FindDataInRecord(const WideString& names, const WideString& values, const W
     valuesLeft = valuesLeft && valueCursor.Next(value);
     if (field != name.Units()) continue;
     WideString found = WideString::FromUTF16(valuesLeft ? value : Units());
-    DecodeValue(found);
+    DecodeRecordValue(found);
     out = std::move(found);
     return;
   }

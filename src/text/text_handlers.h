@@ -69,6 +69,11 @@ void DeleteFirstLastCharacters(WideString& text);
 // without a final CR is never found. -1 when absent.
 int GetIndexOfHeaderField(const WideString& header, const WideString& name);
 
+// Decodes a stored value in place: "&lt;", "&gt;", "&quot;", "&apos;", then
+// "&amp;" (so "&amp;lt;" gives "&lt;"), then "<br>", "<sr>", "<tb>" to CR, LF
+// and TAB.
+void DecodeRecordValue(WideString& value);
+
 // out = the value at the position of name in the parallel CR-separated lists
 // names and values, with its entities and markers decoded; out is untouched
 // when name is absent.

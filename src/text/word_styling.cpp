@@ -1,16 +1,267 @@
 #include "text/word_styling.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+#include "host/utf.h"
+#include "text/if_string.h"
+#include "text/number_format.h"
+#include "text/script_text.h"
 #include "text/search_replace.h"
+#include "text/text_handlers.h"
 #include "text/xml_table.h"
 
 namespace talp {
 
-// Computed fields from an XML styling document come with the styling
-// processes; until then such a document leaves column lists unchanged.
-void AppendHeaderFromWordStyling(const WideString&, WideString&) {}
+struct WordStyling::Process {
+  enum class Type {
+    kCalc, kExif, kExfm, kLeft, kRight, kMid, kCharCount, kLineCount, kTabCount, kReplace, kSplit, kItem,
+    kCountItems, kScript, kConcatenate, kUnknown
+  };
+  Type kind;
+  WideString outputField, type, info;
+  WideString stringLength, startPosition, endPosition, search, replace, splitter, part, itemNumber, scriptFile;
+};
 
-void HandleWordStyling(const WideString& styling, const WideString&, WideString& record) {
-  if (isXMLFile(styling) == 0) UnicodeCleaning(record, styling);
+namespace {
+
+WideString Child(const WideString& element, const char* name) {
+  WideString value;
+  GetAbsoluteField(value, element, WideString(name));
+  return value;
+}
+
+// Numbers in a styling document are whole numbers; no number reads as 0.
+std::int64_t NumberOf(const WideString& text) { return PMString(text).GetAsNumber(); }
+
+// count units from start, or nothing when the range leaves the text: there
+// is no clipping.
+WideString UnitRange(const WideString& text, std::int64_t start, std::int64_t count) {
+  const auto length = static_cast<std::int64_t>(text.NumUTF16TextChars());
+  if (start < 0 || count < 0 || start + count > length) return {};
+  return WideString::FromUTF16(text.Units().substr(static_cast<std::size_t>(start), static_cast<std::size_t>(count)));
+}
+
+// The text between an opening "<EXIF>" and a closing "</EXIF>", which are
+// skipped by their lengths and not checked.
+WideString BetweenExifTags(const WideString& info) {
+  const std::size_t length = info.CharCount();
+  return length >= 13 ? info.Substring(6, length - 13) : WideString();
+}
+
+// Strictly left to right, without precedence: "2+3*4" is 20. A leading "-"
+// is an operator, so "-5+2" is 0 - 5 + 2.
+WideString Calculate(std::u16string_view info, char16_t decimal) {
+  char16_t pending = 0;  // 0: assign
+  double accumulator = 0;
+  std::size_t operandStart = 0;
+  const auto apply = [&](std::size_t operandEnd) {
+    const double value = ReadUserNumber(info.substr(operandStart, operandEnd - operandStart), decimal);
+    switch (pending) {
+      case u'+': accumulator += value; break;
+      case u'-': accumulator -= value; break;
+      case u'*': accumulator *= value; break;
+      case u'/': accumulator /= value; break;
+      default: accumulator = value; break;
+    }
+  };
+  // The operators are single units that never occur inside a surrogate pair.
+  for (std::size_t i = 0; i < info.size(); ++i) {
+    const char16_t c = info[i];
+    if (c == u'+' || c == u'-' || c == u'*' || c == u'/') {
+      apply(i);
+      pending = c;
+      operandStart = i + 1;
+    }
+  }
+  apply(info.size());
+  return FormatCalcNumber(accumulator);
+}
+
+// The items after the first separator: those before item number k (counted
+// from 0 after the first) joined into one part, the rest into another; the
+// last item is joined without its separator. Both quirks are kept.
+WideString Split(const WideString& info, const WideString& separator, const WideString& part, std::int64_t k) {
+  const int separators = CountItemUnicode(info, separator);
+  // GetItemUnicode's items in one pass: split at non-overlapping occurrences,
+  // and an item number past the end gives the last item.
+  std::vector<WideString> items;
+  std::size_t from = 0;
+  for (std::int32_t at; !separator.IsEmpty() && (at = info.IndexOf(separator, from)) >= 0;) {
+    items.push_back(info.Substring(from, static_cast<std::size_t>(at) - from));
+    from = static_cast<std::size_t>(at) + separator.CharCount();
+  }
+  items.push_back(info.Substring(from));
+  WideString first, second;
+  for (int i = 0; i < separators; ++i) {
+    const WideString& item = items[std::min(static_cast<std::size_t>(i) + 1, items.size() - 1)];
+    if (i < k) {
+      if (!first.IsEmpty()) first.Append(separator);
+      first.Append(item);
+    } else {
+      if (!second.IsEmpty() && i != separators - 1) second.Append(separator);
+      second.Append(item);
+    }
+  }
+  return part.IsEmpty() ? first : second;
+}
+
+WideString Count(int n) { return GetNumberAsWideString(n); }
+
+// The type words, compared exactly, in the order they are tested.
+WordStyling::Process::Type TypeOf(const WideString& word) {
+  using Type = WordStyling::Process::Type;
+  static const std::pair<std::u16string_view, Type> kTypes[] = {
+      {u"Calc", Type::kCalc},       {u"Exif", Type::kExif},           {u"Exfm", Type::kExfm},
+      {u"Left", Type::kLeft},       {u"Right", Type::kRight},         {u"Mid", Type::kMid},
+      {u"CharCount", Type::kCharCount}, {u"LineCount", Type::kLineCount}, {u"TabCount", Type::kTabCount},
+      {u"Replace", Type::kReplace}, {u"Split", Type::kSplit},         {u"Item", Type::kItem},
+      {u"CountItems", Type::kCountItems}, {u"Script", Type::kScript}, {u"Concatenate", Type::kConcatenate}};
+  for (const auto& [name, type] : kTypes) {
+    if (word.Units() == name) return type;
+  }
+  return Type::kUnknown;
+}
+
+WideString ComputeValue(const WordStyling::Process& p, std::u16string_view filled, char16_t decimal) {
+  using Type = WordStyling::Process::Type;
+  if (p.kind == Type::kCalc) return Calculate(filled, decimal);
+  if (p.kind == Type::kConcatenate) return WideString::FromUTF16(filled);
+  if (p.kind == Type::kUnknown) return {};  // an unknown type still gives its (empty) field
+  const std::u16string_view type = p.type.Units();
+  WideString info = WideString::FromUTF16(filled);
+  if (type == u"Exif") {
+    WideString inner = BetweenExifTags(info);
+    CreateIfString(inner);
+    return inner;
+  }
+  if (type == u"Exfm") {
+    WideString inner = BetweenExifTags(info);
+    CreateFormatString(inner);
+    return inner;
+  }
+  if (type == u"Left") return UnitRange(info, 0, NumberOf(p.stringLength));
+  if (type == u"Right") {
+    const std::int64_t count = NumberOf(p.stringLength);
+    return UnitRange(info, static_cast<std::int64_t>(info.NumUTF16TextChars()) - count, count);
+  }
+  // The end position is used as a count of characters, as it always was.
+  if (type == u"Mid") return UnitRange(info, NumberOf(p.startPosition), NumberOf(p.endPosition));
+  if (type == u"CharCount") return Count(static_cast<int>(info.CharCount()));
+  if (type == u"LineCount") {
+    SearchReplaceUnicode(info, WideString("<br>"), WideString("\r"));
+    return Count(CountUnicodeItems(info, kCR));
+  }
+  if (type == u"TabCount") {
+    SearchReplaceUnicode(info, WideString("<tb>"), WideString("\t"));
+    return Count(CountUnicodeItems(info, kTab));
+  }
+  if (type == u"Replace") {
+    SearchReplaceUnicode(info, p.search, p.replace);
+    return info;
+  }
+  if (type == u"Split") return Split(info, p.splitter, p.part, NumberOf(p.itemNumber));
+  if (type == u"Item") {
+    WideString item;
+    return GetItemUnicode(item, info, p.splitter, static_cast<long>(NumberOf(p.itemNumber)));
+  }
+  if (type == u"CountItems") return Count(CountItemUnicode(info, p.splitter));
+  if (type == u"Script") {
+    UseScriptToManipulate(PMString(p.scriptFile), info);
+    return info;
+  }
+  return {};  // an unknown type still gives its (empty) field
+}
+
+}  // namespace
+
+WordStyling::WordStyling(const WideString& styling) : document_(isXMLFile(styling) == 1) {
+  if (!document_) {
+    table_ = styling;
+    return;
+  }
+  WideString name("Process");
+  const int count = CountElementDepth(styling, name);
+  for (int n = 1; n <= count; ++n) {
+    WideString element;
+    WideString processName("Process");
+    GetElementNumber(element, styling, processName, n);
+    const WideString type = Child(element, "ProcessType");
+    processes_.push_back({TypeOf(type), Child(element, "OutputField"), type, Child(element, "ProcessInfo"),
+                          Child(element, "StringLength"), Child(element, "StringStartPosition"),
+                          Child(element, "StringEndPosition"), Child(element, "StringSearch"),
+                          Child(element, "StringReplace"), Child(element, "StringSplitter"),
+                          Child(element, "StringPart"), Child(element, "StringItemNumber"),
+                          Child(element, "ScriptFile")});
+  }
+}
+
+WordStyling::~WordStyling() = default;
+
+void WordStyling::AppendNames(WideString& header) const {
+  for (const Process& process : processes_) {
+    header.Append(process.outputField);
+    header.AppendUnits(u"\r");
+  }
+}
+
+void WordStyling::Bind(const WideString& header) {
+  infos_.clear();
+  for (const Process& process : processes_) infos_.emplace_back(process.info.Units(), header.Units());
+  boundHeader_ = header;
+  decimal_ = UserDecimalSeparator();
+  bound_ = true;
+}
+
+void WordStyling::Apply(const WideString& header, WideString& record) {
+  if (!document_) {
+    UnicodeCleaning(record, table_);
+    return;
+  }
+  std::u16string text(record.Units());
+  ApplyDocument(header, text);
+  record = WideString(std::move(text));
+}
+
+void WordStyling::ApplyDocument(const WideString& header, std::u16string& text) {
+  for (char16_t& unit : text) {
+    if (unit == kTab) unit = kCR;
+  }
+  if (processes_.empty()) return;
+  if (!bound_ || !(boundHeader_ == header)) Bind(header);
+  // The fields are found once and then followed as values are appended: the
+  // last field always runs to the end of the text, and a CR (also one inside
+  // a value) starts a new one.
+  spans_.assign(1, {0, 0});
+  const auto followFrom = [&](std::size_t from) {
+    for (std::size_t at = from; (at = text.find(kCR, at)) != std::u16string::npos; ++at) {
+      spans_.back().second = at - spans_.back().first;
+      spans_.emplace_back(at + 1, 0);
+    }
+    spans_.back().second = text.size() - spans_.back().first;
+  };
+  followFrom(0);
+  // Each process sees the record with the values computed before it.
+  for (std::size_t n = 0; n < processes_.size(); ++n) {
+    fields_.clear();
+    for (const auto& [start, length] : spans_) fields_.push_back(std::u16string_view(text).substr(start, length));
+    filled_.clear();
+    infos_[n].Fill(fields_, filled_);
+    const WideString value = ComputeValue(processes_[n], filled_, decimal_);
+    const std::size_t end = text.size();
+    text.append(value.Units());
+    text.push_back(kCR);
+    followFrom(end);
+  }
+}
+
+void AppendHeaderFromWordStyling(const WideString& styling, WideString& header) {
+  WordStyling(styling).AppendNames(header);
+}
+
+void HandleWordStyling(const WideString& styling, const WideString& header, WideString& record) {
+  WordStyling(styling).Apply(header, record);
 }
 
 }  // namespace talp

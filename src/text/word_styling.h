@@ -1,17 +1,62 @@
 // Word styling: the caller's styling text either computes extra fields for
-// each record (an XML list of "Process" elements) or is a find/replace table.
+// each record (an XML document of "Process" elements, each with an
+// "OutputField" name, a "ProcessType" and a "ProcessInfo" that may hold
+// "[name]" placeholders) or is a find/replace table applied to the record.
 #pragma once
 
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "talp/wide_string.h"
+#include "text/record_template.h"
 
 namespace talp {
 
 // Appends the names of the computed fields, each followed by CR, to the
-// CR-separated column list header.
+// CR-separated column list header; a styling text that is no XML document
+// changes nothing.
 void AppendHeaderFromWordStyling(const WideString& styling, WideString& header);
 
-// Restyles one TAB-separated record in place; header is the CR-separated
-// list of the record's field names.
+// Restyles one TAB-separated record in place. A find/replace table cleans it
+// (its TABs stay); a styling document turns its TABs into CRs and appends
+// each computed value followed by a CR. header is the CR-separated list of the
+// record's field names that placeholders refer to.
 void HandleWordStyling(const WideString& styling, const WideString& header, WideString& record);
+
+// The same for many records: the styling document is read once, and its
+// placeholders are resolved once per header. Not thread-safe.
+class WordStyling {
+ public:
+  explicit WordStyling(const WideString& styling);
+  ~WordStyling();
+  WordStyling(const WordStyling&) = delete;
+  WordStyling& operator=(const WordStyling&) = delete;
+
+  bool IsDocument() const { return document_; }
+  void AppendNames(WideString& header) const;
+  void Apply(const WideString& header, WideString& record);
+  // Apply for a styling document, on the record's units: TABs become CRs and
+  // each computed value is appended with its CR.
+  void ApplyDocument(const WideString& header, std::u16string& record);
+
+  struct Process;
+
+ private:
+  void Bind(const WideString& header);
+
+  bool document_;
+  WideString table_;  // the find/replace table when styling is no document
+  std::vector<Process> processes_;
+  WideString boundHeader_;
+  std::vector<RecordTemplate> infos_;  // each process's information, bound to boundHeader_
+  bool bound_ = false;
+  char16_t decimal_ = u'.';  // the host's decimal separator, read when binding
+  // Reused from record to record.
+  std::vector<std::u16string_view> fields_;
+  std::vector<std::pair<std::size_t, std::size_t>> spans_;  // start and length of each field
+  std::u16string filled_;
+};
 
 }  // namespace talp

@@ -11,7 +11,7 @@ namespace {
 
 struct Operation {
   std::string_view name;
-  int positionals;  // 0 or 1
+  int positionals;  // 0 or 1; -1: at most one
   std::string_view positionalName;
   std::vector<std::string_view> ownOptions;
 };
@@ -29,6 +29,7 @@ const std::vector<Operation>& Operations() {
       {"sql", 1, "STATEMENT", {"extra"}},
       {"upload", 1, "URL", {"filepath-value", "name"}},
       {"get", 1, "URL", {}},
+      {"style", -1, "KEYVALUE", {"styling", "header", "record"}},
   };
   return operations;
 }
@@ -44,8 +45,8 @@ constexpr std::array<FieldOption, 15> kFieldOptions = {{
     {"group", 14}, {"contents", 15}, {"column-query", 16}, {"script", 19}, {"sort", 21},
 }};
 
-constexpr std::array<std::string_view, 9> kOwnTextOptions = {
-    "styling", "search", "where", "query", "field", "key-value", "extra", "filepath-value", "name"};
+constexpr std::array<std::string_view, 11> kOwnTextOptions = {
+    "styling", "search", "where", "query", "field", "key-value", "extra", "filepath-value", "name", "header", "record"};
 
 std::vector<std::string> SplitFields(const std::string& descriptor) {
   std::vector<std::string> fields;
@@ -159,7 +160,8 @@ ParseResult ParseOptions(const std::vector<std::string>& args, const char* envPa
     error = "unknown operation '" + options.operation + "'";
     return parsed;
   }
-  if (static_cast<int>(options.arguments.size()) != op->positionals) {
+  const auto given = static_cast<int>(options.arguments.size());
+  if (op->positionals < 0 ? given > 1 : given != op->positionals) {
     error = op->positionals == 0 ? "'" + options.operation + "' takes no argument"
                                  : "'" + options.operation + "' needs one argument: " + std::string(op->positionalName);
     return parsed;
@@ -202,6 +204,9 @@ Operations:
   sql STATEMENT             run one MySQL statement     [--extra TEXT]
   upload URL                send a file (HTTP POST)     --port N --file PATH [--filepath-value TEXT] [--name TEXT]
   get URL                   fetch a list (HTTP GET)     --port N
+  style [KEYVALUE]          the computed fields of a styling document, by name:
+                            --styling TEXT with --header NAMES --record VALUES
+                            (both TAB-separated), or a source's record KEYVALUE
 
 Connection descriptor:
   -d, --descriptor TEXT     the raw ';'-separated descriptor, used as it stands

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/utf.h"
 #include "text/item_cursor.h"
 
 namespace talp::cli {
@@ -45,6 +46,20 @@ void WritePretty(const WideString& result, std::ostream& out) {
   }
 }
 
+// Encodes and writes a mebibyte of text at a time, never splitting a pair.
+void WriteUTF8(std::u16string_view units, std::ostream& out) {
+  constexpr std::size_t kPiece = std::size_t{1} << 20;
+  std::string bytes;
+  while (!units.empty()) {
+    std::size_t take = std::min(kPiece, units.size());
+    if (take < units.size() && take > 0 && (units[take - 1] & 0xFC00) == 0xD800) --take;
+    bytes.clear();
+    talp::utf::EncodeUTF8(units.substr(0, take), bytes);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    units.remove_prefix(take);
+  }
+}
+
 }  // namespace
 
 void WriteResult(const WideString& result, OutputMode mode, std::ostream& out) {
@@ -57,7 +72,7 @@ void WriteResult(const WideString& result, OutputMode mode, std::ostream& out) {
       break;
     case OutputMode::kRaw:
     case OutputMode::kAuto:
-      out << result.ToUTF8();
+      WriteUTF8(result.Units(), out);
       break;
   }
   out.flush();

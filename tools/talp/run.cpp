@@ -1,8 +1,13 @@
 #include "run.h"
 
+#include <algorithm>
+#include <string>
+
 #include "options.h"
 #include "output.h"
+#include "text/record_template.h"
 #include "text/text_handlers.h"
+#include "text/word_styling.h"
 
 namespace talp::cli {
 namespace {
@@ -20,6 +25,48 @@ struct Invocation {
   WideString WideText(const std::string& name) const { return WideString(Text(name)); }
   const std::string& Argument() const { return options.arguments.front(); }
 };
+
+// The computed fields of a styling document as "name TAB value" lines, for a
+// record given as text or one fetched from the descriptor's source.
+int StyleRecord(ITALPRemote& remote, const Invocation& call, WideString& result) {
+  const WideString styling = call.WideText("styling");
+  std::u16string header, fields;
+  int status = 0;
+  if (call.options.texts.count("record") != 0) {
+    header = call.WideText("header").Units();
+    fields = call.WideText("record").Units();
+  } else {
+    // The record and its names as the source has them, unstyled.
+    const PMString key = call.options.arguments.empty() ? PMString() : PMString(call.Argument());
+    WideString names, record;
+    status = remote.GetColumnList(call.descriptor, WideString(), names);
+    if (status == 0) status = remote.GetSpecificRecord(call.descriptor, key, WideString(), record);
+    header = names.Units();
+    fields = record.Units();
+  }
+  std::replace(header.begin(), header.end(), kTab, kCR);
+  std::replace(fields.begin(), fields.end(), kCR, kTab);
+  // Like the records of a loop, the last field ends with a TAB, so that the
+  // computed values follow it as fields of their own.
+  if (fields.empty() || fields.back() != kTab) fields.push_back(kTab);
+  WideString record(std::move(fields));
+  HandleWordStyling(styling, WideString(std::move(header)), record);
+  WideString names;
+  AppendHeaderFromWordStyling(styling, names);
+  const std::vector<std::u16string_view> computed = SplitFields(names.Units(), kCR);
+  std::vector<std::u16string_view> values = SplitFields(record.Units(), kCR);
+  // The computed values are the last fields of the restyled record, each
+  // followed by a CR.
+  const std::size_t count = computed.size() - 1;
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t at = values.size() >= count + 1 ? values.size() - 1 - count + i : values.size();
+    result.AppendUnits(computed[i]);
+    result.AppendUnits(u"\t");
+    if (at < values.size()) result.AppendUnits(values[at]);
+    result.AppendUnits(u"\r");
+  }
+  return status;
+}
 
 // Runs the operation; result is written only by operations that have one.
 int RunOperation(ITALPRemote& remote, const Invocation& call, WideString& result, bool& hasResult) {
@@ -40,6 +87,7 @@ int RunOperation(ITALPRemote& remote, const Invocation& call, WideString& result
     remote.GetUsingHttpPost(PMString(call.Argument()), call.Port(), result);
     return 0;
   }
+  if (op == "style") return StyleRecord(remote, call, result);
   hasResult = false;
   if (op == "update") {
     return remote.SendUpdateBaseFieldWithInfo(WideString(call.Argument()), call.Text("field"), call.Text("key-value"),

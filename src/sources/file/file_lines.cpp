@@ -63,6 +63,7 @@ bool FileLines::Next(std::u16string_view& line) {
       line = std::u16string_view(text_).substr(offset_, cr - offset_);
       offset_ = cr + 1;
       sawCR_ = true;
+      lastEndedWithCR_ = true;
       return true;
     }
     if (Fill()) continue;
@@ -72,6 +73,7 @@ bool FileLines::Next(std::u16string_view& line) {
     if (!FinalPieceCounts(rest)) return false;
     line = rest;
     offset_ = text_.size();
+    lastEndedWithCR_ = false;
     return true;
   }
 }

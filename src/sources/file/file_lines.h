@@ -24,6 +24,10 @@ class FileLines {
   // view is valid until the next call of Next or HasNext.
   bool Next(std::u16string_view& line);
 
+  // Whether the line last given was ended by a CR in the text (every line
+  // but possibly the last).
+  bool LastEndedWithCR() const { return lastEndedWithCR_; }
+
   // Whether another line follows the one last given. May read ahead, which
   // ends the validity of the last view.
   bool HasNext();
@@ -46,6 +50,7 @@ class FileLines {
   bool inputEnded_ = false;
   bool finalGiven_ = false;
   bool sawCR_ = false;
+  bool lastEndedWithCR_ = false;
 };
 
 }  // namespace talp

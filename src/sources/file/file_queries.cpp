@@ -47,7 +47,12 @@ int fetchSpecificRecordFile(const PMString& path, const PMString& keyField, cons
 
 int fetchRecordLoopFile(const PMString& path, const PMString& condition, WideString& result) {
   FileLines lines(path);
-  result.AppendUnits(SelectRecords(lines, WideString(condition)));
+  std::u16string selected = SelectRecords(lines, WideString(condition));
+  if (result.IsEmpty()) {
+    result = WideString(std::move(selected));
+  } else {
+    result.AppendUnits(selected);
+  }
   return 0;
 }
 

@@ -228,6 +228,8 @@ std::u16string SelectRecords(FileLines& lines, const WideString& condition, std:
   if (header != nullptr) *header = line;
   RecordFilter filter(condition, WideString::FromUTF16(line));
   std::u16string selected;
+  // Room for every record: pages that stay unused cost no memory.
+  selected.reserve(static_cast<std::size_t>(lines.FileSize()));
   for (std::size_t i = 2; lines.Next(line); ++i) {
     if (i % kProgressEvery == 0) host::Host().Progress("records", lines.BytesRead(), lines.FileSize());
     if (filter.Includes(line)) {

@@ -1,0 +1,204 @@
+#include "text/number_format.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "talp/host_services.h"
+
+namespace talp {
+namespace {
+
+using Units = std::u16string_view;
+
+bool IsDigit(char32_t c) { return c >= '0' && c <= '9'; }
+
+// Callers rely on "," being the only alternative to ".": a host that names
+// anything else still gets "." numbers.
+char16_t UserDecimal() { return host::Host().LocalizedDecimal() == PMString(",") ? u',' : u'.'; }
+
+// Text editors turn typed apostrophes into typographic quotes.
+char16_t Apostrophe(char16_t c) { return c == 0x2018 || c == 0x2019 ? u'\'' : c; }
+bool IsLiteralQuote(char16_t c) { return c == '"' || c == 0x201C || c == 0x201D; }
+
+// A value kept as its decimal digits, so that rounding works on what was
+// typed and not on the nearest double ("1.005" is 1.00499... as a double).
+struct DecimalText {
+  bool negative = false;
+  std::string integer, fraction;
+};
+
+std::optional<DecimalText> ReadValue(Units value) {
+  DecimalText d;
+  for (char16_t c : value) {
+    if (IsDigit(c)) break;
+    d.negative = d.negative || c == '-';
+  }
+  // Only the leading number counts, the part GetAsDouble would read.
+  const std::string text = StripUserDecimal(WideString::FromUTF16(value)).GrabCString();
+  std::size_t i = 0;
+  while (i < text.size() && IsDigit(text[i])) d.integer += text[i++];
+  if (i < text.size() && text[i] == '.') {
+    while (++i < text.size() && IsDigit(text[i])) d.fraction += text[i];
+  }
+  if (d.integer.empty() && d.fraction.empty()) return std::nullopt;
+  return d;
+}
+
+struct Pattern {
+  std::u16string prefix, suffix;
+  std::size_t minInteger = 0, minFraction = 0, decimals = 0, groupSize = 0;
+};
+
+// Literals may hold any unit; surrogate pairs never look like one of the
+// ASCII placeholders, so working on units is safe.
+std::optional<Pattern> ReadPattern(Units text) {
+  std::u16string chars;
+  std::vector<bool> quoted;
+  bool inQuote = false;  // an unclosed quote runs to the end
+  for (char16_t c : text) {
+    if (IsLiteralQuote(c)) {
+      inQuote = !inQuote;
+    } else {
+      chars += c;
+      quoted.push_back(inQuote);
+    }
+  }
+  const auto isPlaceholder = [&](std::size_t i) { return !quoted[i] && (chars[i] == '0' || chars[i] == '#'); };
+  std::size_t first = 0;
+  while (first < chars.size() && !isPlaceholder(first)) ++first;
+  if (first == chars.size()) return std::nullopt;
+  std::size_t last = chars.size() - 1;
+  while (!isPlaceholder(last)) --last;
+
+  Pattern p;
+  p.prefix = chars.substr(0, first);
+  p.suffix = chars.substr(last + 1);
+  bool afterPoint = false, grouped = false;
+  for (std::size_t i = first; i <= last; ++i) {
+    const char16_t c = quoted[i] ? u'"' : chars[i];  // a quoted character is a literal
+    if (c == '0' || c == '#') {
+      const std::size_t mandatory = c == '0' ? 1 : 0;
+      if (afterPoint) {
+        ++p.decimals;
+        p.minFraction += mandatory;
+      } else {
+        p.minInteger += mandatory;
+        p.groupSize += grouped ? 1 : 0;
+      }
+    } else if (c == ',' && !afterPoint) {
+      grouped = true;  // the placeholders after the last "," give the group size
+      p.groupSize = 0;
+    } else if (c == '.' && !afterPoint) {
+      afterPoint = true;
+    } else {
+      return std::nullopt;  // a second point, grouping in decimals, or a literal
+    }
+  }
+  return p;
+}
+
+std::u16string Format(const DecimalText& v, const Pattern& p, char16_t decimal) {
+  std::string digits = v.integer + v.fraction.substr(0, std::min(p.decimals, v.fraction.size()));
+  digits.append(v.integer.size() + p.decimals - digits.size(), '0');
+  // Half away from zero: the sign is kept apart, so the magnitude rounds up.
+  if (v.fraction.size() > p.decimals && v.fraction[p.decimals] >= '5') {
+    std::size_t i = digits.size();
+    while (i > 0 && digits[i - 1] == '9') digits[--i] = '0';
+    if (i == 0) {
+      digits.insert(digits.begin(), '1');
+    } else {
+      ++digits[i - 1];
+    }
+  }
+  std::string integer = digits.substr(0, digits.size() - p.decimals);
+  std::string fraction = digits.substr(integer.size());
+  integer.erase(0, integer.find_first_not_of('0'));
+  // "-0.00" reads as a different number to people; rounded to zero is zero.
+  const bool zero = integer.empty() && fraction.find_first_not_of('0') == std::string::npos;
+  while (fraction.size() > p.minFraction && fraction.back() == '0') fraction.pop_back();
+  if (integer.size() < p.minInteger) integer.insert(0, p.minInteger - integer.size(), '0');
+  if (integer.empty() && fraction.empty()) integer = "0";
+
+  std::u16string out;
+  if (v.negative && !zero) out += u'-';
+  out += p.prefix;
+  for (std::size_t i = 0; i < integer.size(); ++i) {
+    if (p.groupSize > 0 && i > 0 && (integer.size() - i) % p.groupSize == 0) out += decimal == ',' ? u'.' : u',';
+    out += static_cast<char16_t>(integer[i]);
+  }
+  if (!fraction.empty()) out += decimal;
+  for (char c : fraction) out += static_cast<char16_t>(c);
+  out += p.suffix;
+  return out;
+}
+
+}  // namespace
+
+namespace {
+
+void StripInto(Units text, char16_t decimal, std::string& out) {
+  for (char16_t c : text) {
+    if (IsDigit(c)) {
+      out += static_cast<char>(c);
+    } else if (c == decimal) {
+      out += '.';
+    }
+  }
+}
+
+}  // namespace
+
+char16_t UserDecimalSeparator() { return UserDecimal(); }
+
+PMString StripUserDecimal(const WideString& text) {
+  std::string out;
+  StripInto(text.Units(), UserDecimal(), out);
+  return PMString(out);
+}
+
+double ReadUserNumber(std::u16string_view operand, char16_t decimal) {
+  std::string digits;  // short operands stay in the string's own buffer
+  StripInto(operand, decimal, digits);
+  double value = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  if (result.ec == std::errc::invalid_argument) return 0;
+  // Too many digits for a double: the slow way gives what it always gave.
+  if (result.ec == std::errc::result_out_of_range) return PMString(digits).GetAsDouble();
+  return value;
+}
+
+WideString FormatCalcNumber(double value) {
+  if (std::isnan(value)) return std::signbit(value) ? "-nan" : "nan";
+  if (std::isinf(value)) return value < 0 ? "-inf" : "inf";
+  if (value == 0) return "0";
+  // The longest fixed forms are those of the smallest doubles: "0.", 307 to
+  // 323 zeros and up to 17 digits, with a sign.
+  char buffer[400];
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed);
+  return WideString(std::string_view(buffer, static_cast<std::size_t>(result.ptr - buffer)));
+}
+
+void CreateFormatString(WideString& text) {
+  const Units units = text.Units();
+  // Quotes are recognised with typographic ones made straight; the literals
+  // of the pattern keep the characters as typed.
+  std::u16string shape(units);
+  std::transform(shape.begin(), shape.end(), shape.begin(), Apostrophe);
+  if (shape.size() < 2 || shape.front() != '\'' || shape.back() != '\'') return;
+  const Units inner = Units(shape).substr(1, shape.size() - 2);
+  const std::size_t split = inner.find(u"','");
+  if (split == Units::npos || inner.find(u"','", split + 3) != Units::npos) return;
+
+  const auto value = ReadValue(units.substr(1, split));
+  const auto pattern = ReadPattern(units.substr(split + 4, inner.size() - split - 3));
+  if (!value || !pattern) return;
+  text = WideString::FromUTF16(Format(*value, *pattern, UserDecimal()));
+}
+
+}  // namespace talp

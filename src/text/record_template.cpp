@@ -1,0 +1,70 @@
+#include "text/record_template.h"
+
+#include <unordered_map>
+
+#include "text/item_cursor.h"
+#include "text/text_handlers.h"
+
+namespace talp {
+
+void SplitFieldsInto(std::u16string_view text, char16_t separator, std::vector<std::u16string_view>& fields) {
+  fields.clear();
+  ItemCursor cursor(text, separator);
+  for (std::u16string_view field; cursor.Next(field);) fields.push_back(field);
+}
+
+std::vector<std::u16string_view> SplitFields(std::u16string_view text, char16_t separator) {
+  std::vector<std::u16string_view> fields;
+  SplitFieldsInto(text, separator, fields);
+  return fields;
+}
+
+RecordTemplate::RecordTemplate(std::u16string_view pattern, std::u16string_view names) {
+  std::unordered_map<std::u16string_view, long> positions;
+  long position = 0;
+  for (const std::u16string_view name : SplitFields(names, kCR)) positions.try_emplace(name, position++);
+
+  Piece piece{{}, -1};
+  bool closersLeft = true;
+  std::size_t i = 0;
+  while (i < pattern.size()) {
+    const std::size_t open = pattern.find(u'[', i);
+    if (open == std::u16string_view::npos) {
+      piece.literal.append(pattern.substr(i));
+      break;
+    }
+    piece.literal.append(pattern.substr(i, open - i));
+    const std::size_t close = closersLeft ? pattern.find(u']', open + 1) : std::u16string_view::npos;
+    if (close == std::u16string_view::npos) {
+      closersLeft = false;
+      i = open + 1;
+      continue;
+    }
+    const auto found = positions.find(pattern.substr(open + 1, close - open - 1));
+    if (found != positions.end()) {
+      piece.field = found->second;
+      pieces_.push_back(std::move(piece));
+      piece = Piece{{}, -1};
+    }
+    i = close + 1;
+  }
+  if (!piece.literal.empty()) pieces_.push_back(std::move(piece));
+}
+
+void RecordTemplate::Fill(const std::vector<std::u16string_view>& values, std::u16string& out) const {
+  for (const Piece& piece : pieces_) {
+    out.append(piece.literal);
+    if (piece.field < 0 || static_cast<std::size_t>(piece.field) >= values.size()) continue;
+    const std::u16string_view value = values[static_cast<std::size_t>(piece.field)];
+    // Only "&" and "<" can start an entity or a marker.
+    if (value.find_first_of(u"&<") == std::u16string_view::npos) {
+      out.append(value);
+    } else {
+      WideString decoded = WideString::FromUTF16(value);
+      DecodeRecordValue(decoded);
+      out.append(decoded.Units());
+    }
+  }
+}
+
+}  // namespace talp

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/utf.h"
@@ -36,8 +37,8 @@ constexpr std::array<QuotedOp, 6> kOps = {{
 }};
 
 bool Decide(Op op, const WideString& left, const WideString& right) {
-  // Callers put U+FEFF where a value is missing; templates rely on it
-  // passing every '==' and failing everything else.
+  // U+FEFF alone stands for any value (callers use it for an empty field):
+  // templates rely on it passing every '==' and failing everything else.
   if (left.Units() == u"\uFEFF") return op == Op::kEqual;
   const auto c = left <=> right;
   switch (op) {

@@ -86,25 +86,27 @@ WideString Split(const WideString& info, const WideString& separator, const Wide
   const int separators = CountItemUnicode(info, separator);
   // GetItemUnicode's items in one pass: split at non-overlapping occurrences,
   // and an item number past the end gives the last item.
-  std::vector<WideString> items;
+  const std::u16string_view units = info.Units();
+  const std::u16string_view sep = separator.Units();
+  std::vector<std::u16string_view> items;
   std::size_t from = 0;
-  for (std::int32_t at; !separator.IsEmpty() && (at = info.IndexOf(separator, from)) >= 0;) {
-    items.push_back(info.Substring(from, static_cast<std::size_t>(at) - from));
-    from = static_cast<std::size_t>(at) + separator.CharCount();
+  for (std::size_t at; !sep.empty() && (at = utf::FindAtCharBoundaries(units, sep, from)) != std::u16string_view::npos;) {
+    items.push_back(units.substr(from, at - from));
+    from = at + sep.size();
   }
-  items.push_back(info.Substring(from));
-  WideString first, second;
+  items.push_back(units.substr(from));
+  std::u16string first, second;
   for (int i = 0; i < separators; ++i) {
-    const WideString& item = items[std::min(static_cast<std::size_t>(i) + 1, items.size() - 1)];
+    const std::u16string_view item = items[std::min(static_cast<std::size_t>(i) + 1, items.size() - 1)];
     if (i < k) {
-      if (!first.IsEmpty()) first.Append(separator);
-      first.Append(item);
+      if (!first.empty()) first.append(sep);
+      first.append(item);
     } else {
-      if (!second.IsEmpty() && i != separators - 1) second.Append(separator);
-      second.Append(item);
+      if (!second.empty() && i != separators - 1) second.append(sep);
+      second.append(item);
     }
   }
-  return part.IsEmpty() ? first : second;
+  return WideString(part.IsEmpty() ? std::move(first) : std::move(second));
 }
 
 WideString Count(int n) { return GetNumberAsWideString(n); }
@@ -211,6 +213,7 @@ void WordStyling::Bind(const WideString& header) {
   for (const Process& process : processes_) infos_.emplace_back(process.info.Units(), header.Units());
   boundHeader_ = header;
   decimal_ = UserDecimalSeparator();
+  memos_.assign(processes_.size(), {});
   bound_ = true;
 }
 
@@ -222,6 +225,24 @@ void WordStyling::Apply(const WideString& header, WideString& record) {
   std::u16string text(record.Units());
   ApplyDocument(header, text);
   record = WideString(std::move(text));
+}
+
+// Conditionals and number formats are pure and costly, and catalogues repeat
+// their inputs (a stock level, a category): their results are remembered, up
+// to a bound on the memory that takes.
+std::u16string_view WordStyling::Compute(std::size_t n) {
+  const Process& process = processes_[n];
+  const bool remembered = process.kind == Process::Type::kExif || process.kind == Process::Type::kExfm;
+  if (!remembered) {
+    value_ = ComputeValue(process, filled_, decimal_);
+    return value_.Units();
+  }
+  auto& memo = memos_[n];
+  if (const auto found = memo.find(filled_); found != memo.end()) return found->second;
+  constexpr std::size_t kMaxRemembered = 1 << 14;
+  if (memo.size() >= kMaxRemembered) memo.clear();
+  const WideString value = ComputeValue(process, filled_, decimal_);
+  return memo.emplace(filled_, value.Units()).first->second;
 }
 
 void WordStyling::ApplyDocument(const WideString& header, std::u16string& text) {
@@ -248,9 +269,8 @@ void WordStyling::ApplyDocument(const WideString& header, std::u16string& text) 
     for (const auto& [start, length] : spans_) fields_.push_back(std::u16string_view(text).substr(start, length));
     filled_.clear();
     infos_[n].Fill(fields_, filled_);
-    const WideString value = ComputeValue(processes_[n], filled_, decimal_);
     const std::size_t end = text.size();
-    text.append(value.Units());
+    text.append(Compute(n));
     text.push_back(kCR);
     followFrom(end);
   }

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -45,6 +46,8 @@ class WordStyling {
 
  private:
   void Bind(const WideString& header);
+  // The value of process n for the information in filled_.
+  std::u16string_view Compute(std::size_t n);
 
   bool document_;
   WideString table_;  // the find/replace table when styling is no document
@@ -57,6 +60,8 @@ class WordStyling {
   std::vector<std::u16string_view> fields_;
   std::vector<std::pair<std::size_t, std::size_t>> spans_;  // start and length of each field
   std::u16string filled_;
+  WideString value_;
+  std::vector<std::unordered_map<std::u16string, std::u16string>> memos_;
 };
 
 }  // namespace talp

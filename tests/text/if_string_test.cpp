@@ -69,7 +69,8 @@ INSTANTIATE_TEST_SUITE_P(
         IfCase{"SideBySide", u"'<EXIF>'1'=='1','x','y'</EXIF>'=='<EXIF>'2'=='3','z','x'</EXIF>','same','differ'",
                u"same"},
         IfCase{"NestedInSequence",
-               u"'a'=='a','<EXIF>'b'=='b','<EXIF>'c'=='d','1','2'</EXIF>','3'</EXIF>-<EXIF>'e'=='e','4','5'</EXIF>','no'",
+               u"'a'=='a','<EXIF>'b'=='b','<EXIF>'c'=='d','1','2'</EXIF>','3'</EXIF>"
+               u"-<EXIF>'e'=='e','4','5'</EXIF>','no'",
                u"2-4"},
         IfCase{"EmptyConditionalIsEmpty", u"'<EXIF></EXIF>'=='','y','n'", u"y"},
         IfCase{"CloseTagTakesAnySeventhCharacter", u"'a'=='a','<EXIF>'b'=='b','y','n'</EXIF\U0001F600','no'", u"y"},

@@ -51,7 +51,11 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
   WordStyling restyle(styling);
   const RecordTemplate entryTemplate(groupContents.AsWide().Units(), header.Units());
 
-  std::u16string out(result.Units());
+  std::u16string out;
+  // Room for a result several times the file: pages that stay unused cost
+  // no memory, and the text is never copied while it grows.
+  out.reserve(result.NumUTF16TextChars() + static_cast<std::size_t>(lines.FileSize()) * 4);
+  out.append(result.Units());
   std::u16string_view style = kLight;
   std::u16string previous(kNoGroupYet);
   long runCount = 0;

@@ -50,6 +50,11 @@ for round in 1 2; do  # alternate the tools so that neither gets a warmer cache
   t[loop_csv]=$(median "$talp" loop --type File --file "$work/big.csv" --where "$word")
   t[record]=$(median "$talp" record "$near_end" --type File --file "$work/big.txt" --key sku)
   t[loop_small]=$(median "$talp" loop --type File --file "$work/small.txt" --where "$word")
+  t[loop_all]=$(median "$talp" loop --type File --file "$work/big.txt")
+  t[group]=$(median "$talp" group --type File --file "$work/big.txt" --group category --contents "[name]" \
+             --styling @bench/group-styling.xml)
+  t[group_small]=$(median "$talp" group --type File --file "$work/small.txt" --group category --contents "[name]" \
+                   --styling @bench/group-styling.xml)
 done
 t[python_csv]=$(median csv_to_tab "$work/big.csv")
 
@@ -71,6 +76,9 @@ cat <<REPORT
 | Python csv, comma to TAB | ${t[python_csv]} | $(ratio "${t[python_csv]}" "${t[loop_csv]}") x talp | >= 5 |
 | talp record $near_end (near the end) | ${t[record]} | $(ratio "${t[record]}" "${t[loop_word]}") x loop | <= 1.5 |
 | talp loop, $((records / 10)) records | ${t[loop_small]} | $(ratio "${t[loop_word]}" "${t[loop_small]}") for 10x records | <= 11 |
+| talp loop, every record (TAB) | ${t[loop_all]} | 1 | |
+| talp group by category, 5-process styling | ${t[group]} | $(ratio "${t[group]}" "${t[loop_all]}") x loop | <= 3 |
+| the same group, $((records / 10)) records | ${t[group_small]} | $(ratio "${t[group]}" "${t[group_small]}") for 10x records | <= 11 |
 
 | peak memory | kB | x file size | target |
 |---|---|---|---|

@@ -69,9 +69,27 @@ void DelimitedImporter::Feed(std::u16string_view piece, std::u16string& out) {
   const char16_t delimiterUnit = delimiterUnits[0];
   const char16_t quotedStops[4] = {u'"', kCR, kLF, kTab};
   const char16_t unquotedStops[4] = {kCR, delimiterUnit, kTab, kTab};
+  // A delimiter of one unit outside the surrogates is converted inside the
+  // runs: outside quotes only a quote or a TAB needs a closer look.
+  const bool plainDelimiter = delimiterUnits.size() == 1 && !utf::IsSurrogate(delimiterUnit);
+  const char16_t plainStops[4] = {u'"', kTab, kTab, kTab};
   std::size_t i = 0;
   while (i < piece.size()) {
-    if (state_ == State::kQuoted || state_ == State::kUnquoted) {
+    if (plainDelimiter && (state_ == State::kUnquoted || state_ == State::kFieldStart)) {
+      std::size_t stop = host::FindAnyUnit(piece, i, plainStops);
+      if (stop == host::kNotFound) stop = piece.size();
+      if (stop > i) {
+        const std::size_t base = out.size();
+        out.append(piece.substr(i, stop - i));
+        char16_t* run = out.data() + base;
+        const std::size_t length = out.size() - base;
+        for (std::size_t k = 0; k < length; ++k) run[k] = run[k] == delimiterUnit ? kTab : run[k];
+        const char16_t last = piece[stop - 1];
+        state_ = last == kCR || last == delimiterUnit ? State::kFieldStart : State::kUnquoted;
+        i = stop;
+      }
+      if (i == piece.size()) break;
+    } else if (state_ == State::kQuoted || state_ == State::kUnquoted) {
       const bool quoted = state_ == State::kQuoted;
       std::size_t stop = host::FindAnyUnit(piece, i, quoted ? quotedStops : unquotedStops);
       if (stop == host::kNotFound) stop = piece.size();

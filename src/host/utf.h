@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "host/unit_search.h"
+
 namespace talp::utf {
 
 inline constexpr char32_t kReplacement = 0xFFFD;
@@ -31,14 +33,16 @@ inline char32_t NextChar(std::u16string_view units, std::size_t& i) {
 // starts and ends on character boundaries (never inside a surrogate pair), or
 // npos. An empty needle is found at from.
 inline std::size_t FindAtCharBoundaries(std::u16string_view hay, std::u16string_view needle, std::size_t from) {
-  while ((from = hay.find(needle, from)) != std::u16string_view::npos) {
+  if (needle.empty()) return from <= hay.size() ? from : std::u16string_view::npos;
+  for (;; ++from) {
+    from = host::FindUnit(hay, from, needle[0], needle[0]);
+    if (from == host::kNotFound || hay.size() - from < needle.size()) return std::u16string_view::npos;
+    if (hay.compare(from, needle.size(), needle) != 0) continue;
     const std::size_t end = from + needle.size();
     const bool startsInside = from > 0 && IsLowSurrogate(hay[from]) && IsHighSurrogate(hay[from - 1]);
     const bool endsInside = end > 0 && end < hay.size() && IsLowSurrogate(hay[end]) && IsHighSurrogate(hay[end - 1]);
     if (!startsInside && !endsInside) return from;
-    ++from;
   }
-  return std::u16string_view::npos;
 }
 
 // Appends c as UTF-16: one unit, or a pair above U+FFFF. Values above

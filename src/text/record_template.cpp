@@ -2,6 +2,7 @@
 
 #include <unordered_map>
 
+#include "host/unit_search.h"
 #include "text/item_cursor.h"
 #include "text/text_handlers.h"
 
@@ -57,7 +58,7 @@ void RecordTemplate::Fill(const std::vector<std::u16string_view>& values, std::u
     if (piece.field < 0 || static_cast<std::size_t>(piece.field) >= values.size()) continue;
     const std::u16string_view value = values[static_cast<std::size_t>(piece.field)];
     // Only "&" and "<" can start an entity or a marker.
-    if (value.find_first_of(u"&<") == std::u16string_view::npos) {
+    if (host::FindUnit(value, 0, u'&', u'<') == host::kNotFound) {
       out.append(value);
     } else {
       WideString decoded = WideString::FromUTF16(value);

@@ -170,6 +170,10 @@ WideString& GetItemUnicode(WideString& out, const WideString& text, const WideSt
 int CountItemUnicode(const WideString& text, const WideString& separator) {
   // Every position matches an empty separator.
   if (separator.IsEmpty()) return ClampTo<int>(text.CharCount());
+  // A one-unit separator outside the surrogates is a character of its own.
+  if (separator.NumUTF16TextChars() == 1 && !utf::IsSurrogate(separator.Units()[0])) {
+    return ClampTo<int>(CountCharacter(text.Units(), separator.Units()[0]));
+  }
   std::size_t count = 0;
   ForEachOccurrence(text.Units(), separator.Units(), [&count](std::size_t) {
     ++count;

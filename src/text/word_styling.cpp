@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "host/unit_search.h"
 #include "host/utf.h"
 #include "text/if_string.h"
 #include "text/number_format.h"
@@ -22,6 +23,8 @@ struct WordStyling::Process {
   Type kind;
   WideString outputField, type, info;
   WideString stringLength, startPosition, endPosition, search, replace, splitter, part, itemNumber, scriptFile;
+  // The numbers of the document, read once.
+  std::int64_t length = 0, start = 0, end = 0, item = 0;
 };
 
 namespace {
@@ -129,49 +132,52 @@ WordStyling::Process::Type TypeOf(const WideString& word) {
 WideString ComputeValue(const WordStyling::Process& p, std::u16string_view filled, char16_t decimal) {
   using Type = WordStyling::Process::Type;
   if (p.kind == Type::kCalc) return Calculate(filled, decimal);
-  if (p.kind == Type::kConcatenate) return WideString::FromUTF16(filled);
-  if (p.kind == Type::kUnknown) return {};  // an unknown type still gives its (empty) field
-  const std::u16string_view type = p.type.Units();
   WideString info = WideString::FromUTF16(filled);
-  if (type == u"Exif") {
-    WideString inner = BetweenExifTags(info);
-    CreateIfString(inner);
-    return inner;
-  }
-  if (type == u"Exfm") {
-    WideString inner = BetweenExifTags(info);
-    CreateFormatString(inner);
-    return inner;
-  }
-  if (type == u"Left") return UnitRange(info, 0, NumberOf(p.stringLength));
-  if (type == u"Right") {
-    const std::int64_t count = NumberOf(p.stringLength);
-    return UnitRange(info, static_cast<std::int64_t>(info.NumUTF16TextChars()) - count, count);
-  }
-  // The end position is used as a count of characters, as it always was.
-  if (type == u"Mid") return UnitRange(info, NumberOf(p.startPosition), NumberOf(p.endPosition));
-  if (type == u"CharCount") return Count(static_cast<int>(info.CharCount()));
-  if (type == u"LineCount") {
-    SearchReplaceUnicode(info, WideString("<br>"), WideString("\r"));
-    return Count(CountUnicodeItems(info, kCR));
-  }
-  if (type == u"TabCount") {
-    SearchReplaceUnicode(info, WideString("<tb>"), WideString("\t"));
-    return Count(CountUnicodeItems(info, kTab));
-  }
-  if (type == u"Replace") {
-    SearchReplaceUnicode(info, p.search, p.replace);
-    return info;
-  }
-  if (type == u"Split") return Split(info, p.splitter, p.part, NumberOf(p.itemNumber));
-  if (type == u"Item") {
-    WideString item;
-    return GetItemUnicode(item, info, p.splitter, static_cast<long>(NumberOf(p.itemNumber)));
-  }
-  if (type == u"CountItems") return Count(CountItemUnicode(info, p.splitter));
-  if (type == u"Script") {
-    UseScriptToManipulate(PMString(p.scriptFile), info);
-    return info;
+  switch (p.kind) {
+    case Type::kExif: {
+      WideString inner = BetweenExifTags(info);
+      CreateIfString(inner);
+      return inner;
+    }
+    case Type::kExfm: {
+      WideString inner = BetweenExifTags(info);
+      CreateFormatString(inner);
+      return inner;
+    }
+    case Type::kLeft:
+      return UnitRange(info, 0, p.length);
+    case Type::kRight:
+      return UnitRange(info, static_cast<std::int64_t>(info.NumUTF16TextChars()) - p.length, p.length);
+    case Type::kMid:
+      // The end position is used as a count of characters, as it always was.
+      return UnitRange(info, p.start, p.end);
+    case Type::kCharCount:
+      return Count(static_cast<int>(info.CharCount()));
+    case Type::kLineCount:
+      SearchReplaceUnicode(info, WideString("<br>"), WideString("\r"));
+      return Count(CountUnicodeItems(info, kCR));
+    case Type::kTabCount:
+      SearchReplaceUnicode(info, WideString("<tb>"), WideString("\t"));
+      return Count(CountUnicodeItems(info, kTab));
+    case Type::kReplace:
+      SearchReplaceUnicode(info, p.search, p.replace);
+      return info;
+    case Type::kSplit:
+      return Split(info, p.splitter, p.part, p.item);
+    case Type::kItem: {
+      WideString item;
+      return GetItemUnicode(item, info, p.splitter, static_cast<long>(p.item));
+    }
+    case Type::kCountItems:
+      return Count(CountItemUnicode(info, p.splitter));
+    case Type::kScript:
+      UseScriptToManipulate(PMString(p.scriptFile), info);
+      return info;
+    case Type::kConcatenate:
+      return info;
+    case Type::kCalc:
+    case Type::kUnknown:
+      break;
   }
   return {};  // an unknown type still gives its (empty) field
 }
@@ -196,6 +202,11 @@ WordStyling::WordStyling(const WideString& styling) : document_(isXMLFile(stylin
                           Child(element, "StringReplace"), Child(element, "StringSplitter"),
                           Child(element, "StringPart"), Child(element, "StringItemNumber"),
                           Child(element, "ScriptFile")});
+    Process& added = processes_.back();
+    added.length = NumberOf(added.stringLength);
+    added.start = NumberOf(added.startPosition);
+    added.end = NumberOf(added.endPosition);
+    added.item = NumberOf(added.itemNumber);
   }
 }
 
@@ -246,9 +257,8 @@ std::u16string_view WordStyling::Compute(std::size_t n) {
 }
 
 void WordStyling::ApplyDocument(const WideString& header, std::u16string& text) {
-  for (char16_t& unit : text) {
-    if (unit == kTab) unit = kCR;
-  }
+  char16_t* units = text.data();
+  for (std::size_t k = 0; k < text.size(); ++k) units[k] = units[k] == kTab ? kCR : units[k];
   if (processes_.empty()) return;
   if (!bound_ || !(boundHeader_ == header)) Bind(header);
   // The fields are found once and then followed as values are appended: the
@@ -256,7 +266,7 @@ void WordStyling::ApplyDocument(const WideString& header, std::u16string& text) 
   // a value) starts a new one.
   spans_.assign(1, {0, 0});
   const auto followFrom = [&](std::size_t from) {
-    for (std::size_t at = from; (at = text.find(kCR, at)) != std::u16string::npos; ++at) {
+    for (std::size_t at = from; (at = host::FindUnit(text, at, kCR, kCR)) != host::kNotFound; ++at) {
       spans_.back().second = at - spans_.back().first;
       spans_.emplace_back(at + 1, 0);
     }

@@ -28,9 +28,8 @@ void AppendCount(std::u16string& out, long runCount) {
 }
 
 void Replace(std::u16string& text, char16_t from, char16_t to) {
-  for (char16_t& unit : text) {
-    if (unit == from) unit = to;
-  }
+  char16_t* units = text.data();
+  for (std::size_t k = 0; k < text.size(); ++k) units[k] = units[k] == from ? to : units[k];
 }
 
 }  // namespace

@@ -173,15 +173,22 @@ double ReadUserNumber(std::u16string_view operand, char16_t decimal) {
   return value;
 }
 
-WideString FormatCalcNumber(double value) {
-  if (std::isnan(value)) return std::signbit(value) ? "-nan" : "nan";
-  if (std::isinf(value)) return value < 0 ? "-inf" : "inf";
-  if (value == 0) return "0";
+void AppendCalcNumber(double value, std::u16string& out) {
+  const auto append = [&out](std::string_view ascii) { out.append(ascii.begin(), ascii.end()); };
+  if (std::isnan(value)) return append(std::signbit(value) ? "-nan" : "nan");
+  if (std::isinf(value)) return append(value < 0 ? "-inf" : "inf");
+  if (value == 0) return append("0");
   // The longest fixed forms are those of the smallest doubles: "0.", 307 to
   // 323 zeros and up to 17 digits, with a sign.
   char buffer[400];
   const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed);
-  return WideString(std::string_view(buffer, static_cast<std::size_t>(result.ptr - buffer)));
+  append(std::string_view(buffer, static_cast<std::size_t>(result.ptr - buffer)));
+}
+
+WideString FormatCalcNumber(double value) {
+  std::u16string text;
+  AppendCalcNumber(value, text);
+  return WideString(std::move(text));
 }
 
 void CreateFormatString(WideString& text) {

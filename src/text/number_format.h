@@ -7,6 +7,7 @@
 // the host services stay installed.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "talp/pm_string.h"
@@ -34,6 +35,8 @@ double ReadUserNumber(std::u16string_view operand, char16_t decimal);
 // "inf", "-inf", "nan", "-nan" as the C library's printf spells them. Always
 // "." as decimal point, independent of any locale.
 WideString FormatCalcNumber(double value);
+// The same, appended to out.
+void AppendCalcNumber(double value, std::u16string& out);
 
 // Formats in place the text 'value','pattern' (straight or typographic single
 // quotes around both, split on "','"). value is read as StripUserDecimal

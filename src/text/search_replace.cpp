@@ -17,14 +17,13 @@ using Units = std::u16string_view;
 
 // The replacement pass on units. find and replacement may point into text:
 // text is only assigned once the new text is complete.
-void ReplaceUnits(WideString& text, Units find, Units replacement) {
-  const Units units = text.Units();
+// Whether units hold find at all (then out receives the replaced text).
+bool ReplaceInto(Units units, Units find, Units replacement, std::u16string& out) {
   // An empty find string would never advance; it changes nothing.
-  if (units.empty() || find.empty()) return;
+  if (units.empty() || find.empty()) return false;
   std::vector<char32_t> wanted;
   for (std::size_t i = 0; i < find.size();) wanted.push_back(utf::NextChar(find, i));
 
-  std::u16string out;
   std::size_t copied = 0;
   bool replaced = false;
   std::size_t i = 0;
@@ -37,20 +36,29 @@ void ReplaceUnits(WideString& text, Units find, Units replacement) {
     // pass. A candidate cut short by the end of the text stays as it is.
     while (matched < wanted.size() && i < units.size() && utf::NextChar(units, i) == wanted[matched]) ++matched;
     if (matched < wanted.size()) continue;
-    if (!replaced) out.reserve(units.size());
+    if (!replaced) out.reserve(out.size() + units.size());
     out.append(units.substr(copied, at - copied)).append(replacement);
     copied = i;
     replaced = true;
   }
-  if (!replaced) return;
-  out.append(units.substr(copied));
-  text = WideString(std::move(out));
+  if (replaced) out.append(units.substr(copied));
+  return replaced;
+}
+
+void ReplaceUnits(WideString& text, Units find, Units replacement) {
+  std::u16string out;
+  if (ReplaceInto(text.Units(), find, replacement, out)) text = WideString(std::move(out));
 }
 
 }  // namespace
 
 void SearchReplaceUnicode(WideString& text, const WideString& find, const WideString& replacement) {
   ReplaceUnits(text, find.Units(), replacement.Units());
+}
+
+void SearchReplaceUnits(std::u16string_view text, std::u16string_view find, std::u16string_view replacement,
+                        std::u16string& out) {
+  if (!ReplaceInto(text, find, replacement, out)) out.append(text);
 }
 
 void DecodeXMLEntities(WideString& text) {

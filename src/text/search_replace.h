@@ -1,6 +1,9 @@
 // Replacement and cleaning of record text, and template filling.
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "talp/pm_string.h"
 #include "talp/wide_string.h"
 
@@ -11,6 +14,10 @@ namespace talp {
 // including the character that differed, so replacing "ab" in "aab" finds
 // nothing. Replacements are not rescanned. An empty find changes nothing.
 void SearchReplaceUnicode(WideString& text, const WideString& find, const WideString& replacement);
+
+// The same replacement on units: appends the replaced text to out.
+void SearchReplaceUnits(std::u16string_view text, std::u16string_view find, std::u16string_view replacement,
+                        std::u16string& out);
 
 // Applies each line of table (CR-separated lines of find TAB replacement), in
 // order, to text with SearchReplaceUnicode: later pairs see the output of

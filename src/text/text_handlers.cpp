@@ -168,14 +168,18 @@ WideString& GetItemUnicode(WideString& out, const WideString& text, const WideSt
 }
 
 int CountItemUnicode(const WideString& text, const WideString& separator) {
+  return CountItemUnits(text.Units(), separator.Units());
+}
+
+int CountItemUnits(std::u16string_view text, std::u16string_view separator) {
   // Every position matches an empty separator.
-  if (separator.IsEmpty()) return ClampTo<int>(text.CharCount());
+  if (separator.empty()) return ClampTo<int>(WideString::FromUTF16(text).CharCount());
   // A one-unit separator outside the surrogates is a character of its own.
-  if (separator.NumUTF16TextChars() == 1 && !utf::IsSurrogate(separator.Units()[0])) {
-    return ClampTo<int>(CountCharacter(text.Units(), separator.Units()[0]));
+  if (separator.size() == 1 && !utf::IsSurrogate(separator[0])) {
+    return ClampTo<int>(CountCharacter(text, separator[0]));
   }
   std::size_t count = 0;
-  ForEachOccurrence(text.Units(), separator.Units(), [&count](std::size_t) {
+  ForEachOccurrence(text, separator, [&count](std::size_t) {
     ++count;
     return true;
   });

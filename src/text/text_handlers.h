@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "talp/pm_string.h"
@@ -55,6 +56,7 @@ WideString& GetItemUnicode(WideString& out, const WideString& text, const WideSt
 // Positions at which separator starts, overlapping ones included ("aaa"
 // holds "aa" twice); an empty separator starts at every character.
 int CountItemUnicode(const WideString& text, const WideString& separator);
+int CountItemUnits(std::u16string_view text, std::u16string_view separator);
 
 // Replaces lines by the lines of text, as many as CountUnicodeLines gives:
 // every line that ended with a CR ends with a TAB instead; the text after the

@@ -1,6 +1,7 @@
 #include "text/word_styling.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdint>
 #include <string_view>
 
@@ -38,12 +39,12 @@ WideString Child(const WideString& element, const char* name) {
 // Numbers in a styling document are whole numbers; no number reads as 0.
 std::int64_t NumberOf(const WideString& text) { return PMString(text).GetAsNumber(); }
 
-// count units from start, or nothing when the range leaves the text: there
-// is no clipping.
-WideString UnitRange(const WideString& text, std::int64_t start, std::int64_t count) {
-  const auto length = static_cast<std::int64_t>(text.NumUTF16TextChars());
-  if (start < 0 || count < 0 || start + count > length) return {};
-  return WideString::FromUTF16(text.Units().substr(static_cast<std::size_t>(start), static_cast<std::size_t>(count)));
+// Appends count units from start, or nothing when the range leaves the
+// text: there is no clipping.
+void AppendUnitRange(std::u16string_view text, std::int64_t start, std::int64_t count, std::u16string& out) {
+  const auto length = static_cast<std::int64_t>(text.size());
+  if (start < 0 || count < 0 || start > length || count > length - start) return;
+  out.append(text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(count)));
 }
 
 // The text between an opening "<EXIF>" and a closing "</EXIF>", which are
@@ -55,7 +56,7 @@ WideString BetweenExifTags(const WideString& info) {
 
 // Strictly left to right, without precedence: "2+3*4" is 20. A leading "-"
 // is an operator, so "-5+2" is 0 - 5 + 2.
-WideString Calculate(std::u16string_view info, char16_t decimal) {
+double Calculate(std::u16string_view info, char16_t decimal) {
   char16_t pending = 0;  // 0: assign
   double accumulator = 0;
   std::size_t operandStart = 0;
@@ -79,18 +80,17 @@ WideString Calculate(std::u16string_view info, char16_t decimal) {
     }
   }
   apply(info.size());
-  return FormatCalcNumber(accumulator);
+  return accumulator;
 }
 
 // The items after the first separator: those before item number k (counted
 // from 0 after the first) joined into one part, the rest into another; the
 // last item is joined without its separator. Both quirks are kept.
-WideString Split(const WideString& info, const WideString& separator, const WideString& part, std::int64_t k) {
-  const int separators = CountItemUnicode(info, separator);
+void AppendSplit(std::u16string_view units, std::u16string_view sep, bool secondPart, std::int64_t k,
+                 std::u16string& out) {
+  const int separators = CountItemUnits(units, sep);
   // GetItemUnicode's items in one pass: split at non-overlapping occurrences,
   // and an item number past the end gives the last item.
-  const std::u16string_view units = info.Units();
-  const std::u16string_view sep = separator.Units();
   std::vector<std::u16string_view> items;
   std::size_t from = 0;
   for (std::size_t at; !sep.empty() && (at = utf::FindAtCharBoundaries(units, sep, from)) != std::u16string_view::npos;) {
@@ -98,21 +98,15 @@ WideString Split(const WideString& info, const WideString& separator, const Wide
     from = at + sep.size();
   }
   items.push_back(units.substr(from));
-  std::u16string first, second;
+  bool empty = true;
   for (int i = 0; i < separators; ++i) {
+    if ((i < k) == secondPart) continue;
     const std::u16string_view item = items[std::min(static_cast<std::size_t>(i) + 1, items.size() - 1)];
-    if (i < k) {
-      if (!first.empty()) first.append(sep);
-      first.append(item);
-    } else {
-      if (!second.empty() && i != separators - 1) second.append(sep);
-      second.append(item);
-    }
+    if (!empty && (!secondPart || i != separators - 1)) out.append(sep);
+    out.append(item);
+    empty = empty && item.empty();
   }
-  return WideString(part.IsEmpty() ? std::move(first) : std::move(second));
 }
-
-WideString Count(int n) { return GetNumberAsWideString(n); }
 
 // The type words, compared exactly, in the order they are tested.
 WordStyling::Process::Type TypeOf(const WideString& word) {
@@ -129,57 +123,86 @@ WordStyling::Process::Type TypeOf(const WideString& word) {
   return Type::kUnknown;
 }
 
-WideString ComputeValue(const WordStyling::Process& p, std::u16string_view filled, char16_t decimal) {
-  using Type = WordStyling::Process::Type;
-  if (p.kind == Type::kCalc) return Calculate(filled, decimal);
-  WideString info = WideString::FromUTF16(filled);
-  switch (p.kind) {
-    case Type::kExif: {
-      WideString inner = BetweenExifTags(info);
-      CreateIfString(inner);
-      return inner;
+std::size_t CharCount(std::u16string_view units) {
+  std::size_t pairs = 0;
+  for (std::size_t i = 0; i + 1 < units.size(); ++i) {
+    if (utf::IsHighSurrogate(units[i]) && utf::IsLowSurrogate(units[i + 1])) {
+      ++pairs;
+      ++i;
     }
+  }
+  return units.size() - pairs;
+}
+
+void AppendCount(std::size_t n, std::u16string& out) {
+  out.append(GetNumberAsWideString(static_cast<long>(std::min<std::size_t>(n, INT32_MAX))).Units());
+}
+
+// Appends the value of process p for its filled information to out.
+void ComputeValue(const WordStyling::Process& p, std::u16string_view filled, char16_t decimal, std::u16string& out) {
+  using Type = WordStyling::Process::Type;
+  switch (p.kind) {
+    case Type::kCalc:
+      AppendCalcNumber(Calculate(filled, decimal), out);
+      return;
+    case Type::kExif:
     case Type::kExfm: {
-      WideString inner = BetweenExifTags(info);
-      CreateFormatString(inner);
-      return inner;
+      WideString inner = BetweenExifTags(WideString::FromUTF16(filled));
+      if (p.kind == Type::kExif) {
+        CreateIfString(inner);
+      } else {
+        CreateFormatString(inner);
+      }
+      out.append(inner.Units());
+      return;
     }
     case Type::kLeft:
-      return UnitRange(info, 0, p.length);
+      AppendUnitRange(filled, 0, p.length, out);
+      return;
     case Type::kRight:
-      return UnitRange(info, static_cast<std::int64_t>(info.NumUTF16TextChars()) - p.length, p.length);
+      AppendUnitRange(filled, static_cast<std::int64_t>(filled.size()) - p.length, p.length, out);
+      return;
     case Type::kMid:
       // The end position is used as a count of characters, as it always was.
-      return UnitRange(info, p.start, p.end);
+      AppendUnitRange(filled, p.start, p.end, out);
+      return;
     case Type::kCharCount:
-      return Count(static_cast<int>(info.CharCount()));
+      AppendCount(CharCount(filled), out);
+      return;
     case Type::kLineCount:
-      SearchReplaceUnicode(info, WideString("<br>"), WideString("\r"));
-      return Count(CountUnicodeItems(info, kCR));
-    case Type::kTabCount:
-      SearchReplaceUnicode(info, WideString("<tb>"), WideString("\t"));
-      return Count(CountUnicodeItems(info, kTab));
+    case Type::kTabCount: {
+      const bool lines = p.kind == Type::kLineCount;
+      std::u16string expanded;
+      SearchReplaceUnits(filled, lines ? u"<br>" : u"<tb>", lines ? u"\r" : u"\t", expanded);
+      AppendCount(static_cast<std::size_t>(std::count(expanded.begin(), expanded.end(), lines ? kCR : kTab)), out);
+      return;
+    }
     case Type::kReplace:
-      SearchReplaceUnicode(info, p.search, p.replace);
-      return info;
+      SearchReplaceUnits(filled, p.search.Units(), p.replace.Units(), out);
+      return;
     case Type::kSplit:
-      return Split(info, p.splitter, p.part, p.item);
+      AppendSplit(filled, p.splitter.Units(), !p.part.IsEmpty(), p.item, out);
+      return;
     case Type::kItem: {
       WideString item;
-      return GetItemUnicode(item, info, p.splitter, static_cast<long>(p.item));
+      out.append(GetItemUnicode(item, WideString::FromUTF16(filled), p.splitter, static_cast<long>(p.item)).Units());
+      return;
     }
     case Type::kCountItems:
-      return Count(CountItemUnicode(info, p.splitter));
-    case Type::kScript:
+      AppendCount(static_cast<std::size_t>(CountItemUnits(filled, p.splitter.Units())), out);
+      return;
+    case Type::kScript: {
+      WideString info = WideString::FromUTF16(filled);
       UseScriptToManipulate(PMString(p.scriptFile), info);
-      return info;
+      out.append(info.Units());
+      return;
+    }
     case Type::kConcatenate:
-      return info;
-    case Type::kCalc:
+      out.append(filled);
+      return;
     case Type::kUnknown:
-      break;
+      return;  // an unknown type still gives its (empty) field
   }
-  return {};  // an unknown type still gives its (empty) field
 }
 
 }  // namespace
@@ -244,19 +267,21 @@ void WordStyling::Apply(const WideString& header, WideString& record) {
 std::u16string_view WordStyling::Compute(std::size_t n) {
   const Process& process = processes_[n];
   const bool remembered = process.kind == Process::Type::kExif || process.kind == Process::Type::kExfm;
+  value_.clear();
   if (!remembered) {
-    value_ = ComputeValue(process, filled_, decimal_);
-    return value_.Units();
+    ComputeValue(process, filled_, decimal_, value_);
+    return value_;
   }
   auto& memo = memos_[n];
   if (const auto found = memo.find(filled_); found != memo.end()) return found->second;
   constexpr std::size_t kMaxRemembered = 1 << 14;
   if (memo.size() >= kMaxRemembered) memo.clear();
-  const WideString value = ComputeValue(process, filled_, decimal_);
-  return memo.emplace(filled_, value.Units()).first->second;
+  ComputeValue(process, filled_, decimal_, value_);
+  return memo.emplace(filled_, value_).first->second;
 }
 
-void WordStyling::ApplyDocument(const WideString& header, std::u16string& text) {
+void WordStyling::ApplyDocument(const WideString& header, std::u16string& text,
+                                std::vector<std::u16string>* values) {
   char16_t* units = text.data();
   for (std::size_t k = 0; k < text.size(); ++k) units[k] = units[k] == kTab ? kCR : units[k];
   if (processes_.empty()) return;
@@ -280,7 +305,9 @@ void WordStyling::ApplyDocument(const WideString& header, std::u16string& text) 
     filled_.clear();
     infos_[n].Fill(fields_, filled_);
     const std::size_t end = text.size();
-    text.append(Compute(n));
+    const std::u16string_view value = Compute(n);
+    if (values != nullptr) values->emplace_back(value);
+    text.append(value);
     text.push_back(kCR);
     followFrom(end);
   }

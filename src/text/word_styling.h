@@ -39,8 +39,10 @@ class WordStyling {
   void AppendNames(WideString& header) const;
   void Apply(const WideString& header, WideString& record);
   // Apply for a styling document, on the record's units: TABs become CRs and
-  // each computed value is appended with its CR.
-  void ApplyDocument(const WideString& header, std::u16string& record);
+  // each computed value is appended with its CR. values, when given, receives
+  // the computed values one by one (they may hold CRs of their own).
+  void ApplyDocument(const WideString& header, std::u16string& record,
+                     std::vector<std::u16string>* values = nullptr);
 
   struct Process;
 
@@ -60,7 +62,7 @@ class WordStyling {
   std::vector<std::u16string_view> fields_;
   std::vector<std::pair<std::size_t, std::size_t>> spans_;  // start and length of each field
   std::u16string filled_;
-  WideString value_;
+  std::u16string value_;
   std::vector<std::unordered_map<std::u16string, std::u16string>> memos_;
 };
 

@@ -210,3 +210,21 @@ TEST(TalpProgress, FormatsPercentOrCount) {
 
 }  // namespace
 }  // namespace talp::cli
+
+namespace talp::cli {
+namespace {
+
+TEST(TalpStyle, ShowsEachComputedFieldWithItsName) {
+  const std::string doc =
+      "<?xml version=\"1.0\"?><Process><OutputField>label</OutputField><ProcessType>Concatenate</ProcessType>"
+      "<ProcessInfo>[name] [note]</ProcessInfo></Process><Process><OutputField>double</OutputField>"
+      "<ProcessType>Calc</ProcessType><ProcessInfo>[qty]*2</ProcessInfo></Process>";
+  // The note's marker is decoded into a line break, which the listing shows as a marker again.
+  const TalpRun run = Talp({"style", "--styling", doc, "--header", "name\tnote\tqty", "--record", "Nut\ta<br>b\t4"});
+  EXPECT_EQ(run.err, "");
+  EXPECT_EQ(run.out, "label\tNut a<br>b\rdouble\t8\r");
+  EXPECT_TRUE(run.calls.empty());
+}
+
+}  // namespace
+}  // namespace talp::cli

@@ -6,6 +6,7 @@
 #include "options.h"
 #include "output.h"
 #include "text/record_template.h"
+#include "text/search_replace.h"
 #include "text/text_handlers.h"
 #include "text/word_styling.h"
 
@@ -49,20 +50,21 @@ int StyleRecord(ITALPRemote& remote, const Invocation& call, WideString& result)
   // Like the records of a loop, the last field ends with a TAB, so that the
   // computed values follow it as fields of their own.
   if (fields.empty() || fields.back() != kTab) fields.push_back(kTab);
-  WideString record(std::move(fields));
-  HandleWordStyling(styling, WideString(std::move(header)), record);
+  WordStyling styler(styling);
+  std::vector<std::u16string> values;
+  if (styler.IsDocument()) styler.ApplyDocument(WideString(std::move(header)), fields, &values);
   WideString names;
-  AppendHeaderFromWordStyling(styling, names);
-  const std::vector<std::u16string_view> computed = SplitFields(names.Units(), kCR);
-  std::vector<std::u16string_view> values = SplitFields(record.Units(), kCR);
-  // The computed values are the last fields of the restyled record, each
-  // followed by a CR.
-  const std::size_t count = computed.size() - 1;
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::size_t at = values.size() >= count + 1 ? values.size() - 1 - count + i : values.size();
-    result.AppendUnits(computed[i]);
+  styler.AppendNames(names);
+  std::size_t n = 0;
+  for (const std::u16string_view name : SplitFields(names.Units(), kCR)) {
+    if (n >= values.size()) break;
+    // A value may hold line breaks and TABs; shown as markers it stays on its line.
+    WideString value(std::move(values[n++]));
+    SearchReplaceUnicode(value, WideString("\r"), WideString("<br>"));
+    SearchReplaceUnicode(value, WideString("\t"), WideString("<tb>"));
+    result.AppendUnits(name);
     result.AppendUnits(u"\t");
-    if (at < values.size()) result.AppendUnits(values[at]);
+    result.Append(value);
     result.AppendUnits(u"\r");
   }
   return status;

@@ -284,7 +284,10 @@ void WordStyling::ApplyDocument(const WideString& header, std::u16string& text,
                                 std::vector<std::u16string>* values) {
   char16_t* units = text.data();
   for (std::size_t k = 0; k < text.size(); ++k) units[k] = units[k] == kTab ? kCR : units[k];
-  if (processes_.empty()) return;
+  if (processes_.empty()) {
+    SplitFieldsInto(text, kCR, fields_);
+    return;
+  }
   if (!bound_ || !(boundHeader_ == header)) Bind(header);
   // The fields are found once and then followed as values are appended: the
   // last field always runs to the end of the text, and a CR (also one inside
@@ -311,6 +314,8 @@ void WordStyling::ApplyDocument(const WideString& header, std::u16string& text,
     text.push_back(kCR);
     followFrom(end);
   }
+  fields_.clear();
+  for (const auto& [start, length] : spans_) fields_.push_back(std::u16string_view(text).substr(start, length));
 }
 
 void AppendHeaderFromWordStyling(const WideString& styling, WideString& header) {

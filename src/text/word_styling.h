@@ -43,6 +43,10 @@ class WordStyling {
   // the computed values one by one (they may hold CRs of their own).
   void ApplyDocument(const WideString& header, std::u16string& record,
                      std::vector<std::u16string>* values = nullptr);
+  // The fields of the record last restyled by ApplyDocument, as views into
+  // it; valid until that record is changed other than by swapping CRs and
+  // TABs in place.
+  const std::vector<std::u16string_view>& LastFields() const { return fields_; }
 
   struct Process;
 

@@ -66,15 +66,19 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
     // Lines that ended with a CR end with a TAB here, like the last field.
     record.assign(line);
     if (lines.LastEndedWithCR()) record.push_back(kTab);
+    const std::vector<std::u16string_view>* recordFields = &fields;
     if (restyle.IsDocument()) {
       restyle.ApplyDocument(header, record);
       // A styling document leaves the fields CR-separated; the loop reads
-      // them by TAB, computed fields included.
+      // them by TAB, computed fields included. The fields found while
+      // restyling stay valid: only separators change.
       Replace(record, kCR, kTab);
+      recordFields = &restyle.LastFields();
     } else {
       WideString cleaned(std::move(record));
       restyle.Apply(header, cleaned);
       record.assign(cleaned.Units());
+      SplitFieldsInto(record, kTab, fields);
     }
     if (!query.IsEmpty() && !filter.Includes(record)) continue;
     if (!grouping) {
@@ -82,10 +86,12 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
       out.push_back(kCR);
       continue;
     }
-    const std::u16string_view groupValue = FieldOf(record, kTab, groupColumn);
+    const std::u16string_view groupValue =
+        groupColumn >= 1 && static_cast<std::size_t>(groupColumn) <= recordFields->size()
+            ? (*recordFields)[static_cast<std::size_t>(groupColumn) - 1]
+            : std::u16string_view();
     entry.clear();
-    SplitFieldsInto(record, kTab, fields);
-    entryTemplate.Fill(fields, entry);
+    entryTemplate.Fill(*recordFields, entry);
     // The style changes with every selected record, across runs too, and
     // before it is used: the first record is dark.
     style = style == kLight ? kDark : kLight;

@@ -34,7 +34,7 @@ test-asan: deps
 fuzz:
 	scripts/install-deps.sh clang libclang-rt-14-dev
 	CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTALP_FUZZ=ON -DTALP_SANITIZE=ON
-	cmake --build $(FUZZ_BUILD) -j $(JOBS) --target text_engine_fuzz file_data_fuzz record_filter_fuzz xml_table_fuzz if_string_fuzz word_styling_fuzz
+	cmake --build $(FUZZ_BUILD) -j $(JOBS) --target text_engine_fuzz file_data_fuzz record_filter_fuzz xml_table_fuzz if_string_fuzz word_styling_fuzz parse_url_fuzz
 
 bench: deps
 	cmake -S . -B build-release -G Ninja -DCMAKE_BUILD_TYPE=Release

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #if defined(__SSE2__)
@@ -68,6 +69,12 @@ inline std::size_t FindAnyUnit(std::u16string_view units, std::size_t from, cons
     if (u == set[0] || u == set[1] || u == set[2] || u == set[3]) return i;
   }
   return kNotFound;
+}
+
+// Replaces every unit equal to from by to, in place, from start on.
+inline void ReplaceUnit(std::u16string& text, char16_t from, char16_t to, std::size_t start = 0) {
+  char16_t* units = text.data();
+  for (std::size_t k = start; k < text.size(); ++k) units[k] = units[k] == from ? to : units[k];
 }
 
 // Whether any unit of units is a high surrogate.

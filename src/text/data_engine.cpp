@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "host/unit_search.h"
 #include "sources/file/file_lines.h"
 #include "sources/file/record_filter.h"
 #include "text/item_cursor.h"
@@ -19,9 +20,7 @@ int GetData(WideString& result, WideString& header, const PMString& search, cons
   if (!selected.empty()) selected.pop_back();
   result = WideString(std::move(selected));
   // Every name ends with a CR, so that the header look-up reaches the last one.
-  for (char16_t& unit : names) {
-    if (unit == kTab) unit = kCR;
-  }
+  host::ReplaceUnit(names, kTab, kCR);
   if (!names.empty()) names.push_back(kCR);
   header = WideString(std::move(names));
   return 0;

@@ -81,9 +81,7 @@ void DelimitedImporter::Feed(std::u16string_view piece, std::u16string& out) {
       if (stop > i) {
         const std::size_t base = out.size();
         out.append(piece.substr(i, stop - i));
-        char16_t* run = out.data() + base;
-        const std::size_t length = out.size() - base;
-        for (std::size_t k = 0; k < length; ++k) run[k] = run[k] == delimiterUnit ? kTab : run[k];
+        host::ReplaceUnit(out, delimiterUnit, kTab, base);
         const char16_t last = piece[stop - 1];
         state_ = last == kCR || last == delimiterUnit ? State::kFieldStart : State::kUnquoted;
         i = stop;

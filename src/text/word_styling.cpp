@@ -282,8 +282,7 @@ std::u16string_view WordStyling::Compute(std::size_t n) {
 
 void WordStyling::ApplyDocument(const WideString& header, std::u16string& text,
                                 std::vector<std::u16string>* values) {
-  char16_t* units = text.data();
-  for (std::size_t k = 0; k < text.size(); ++k) units[k] = units[k] == kTab ? kCR : units[k];
+  host::ReplaceUnit(text, kTab, kCR);
   if (processes_.empty()) {
     SplitFieldsInto(text, kCR, fields_);
     return;

@@ -1,8 +1,8 @@
 #include "run.h"
 
-#include <algorithm>
 #include <string>
 
+#include "host/unit_search.h"
 #include "options.h"
 #include "output.h"
 #include "text/record_template.h"
@@ -45,8 +45,8 @@ int StyleRecord(ITALPRemote& remote, const Invocation& call, WideString& result)
     header = names.Units();
     fields = record.Units();
   }
-  std::replace(header.begin(), header.end(), kTab, kCR);
-  std::replace(fields.begin(), fields.end(), kCR, kTab);
+  host::ReplaceUnit(header, kTab, kCR);
+  host::ReplaceUnit(fields, kCR, kTab);
   // Like the records of a loop, the last field ends with a TAB, so that the
   // computed values follow it as fields of their own.
   if (fields.empty() || fields.back() != kTab) fields.push_back(kTab);

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "host/unit_search.h"
 #include "sources/file/file_base.h"
 #include "text/delimited.h"
 #include "text/item_cursor.h"
@@ -142,9 +143,7 @@ int fetchColumnListFile(const PMString& path, WideString& result) {
   WideString data;
   GetFileData(path, data);
   std::u16string names(FirstLine(data));
-  for (char16_t& unit : names) {
-    if (unit == kTab) unit = kCR;
-  }
+  host::ReplaceUnit(names, kTab, kCR);
   result = WideString(std::move(names));
   return 0;
 }

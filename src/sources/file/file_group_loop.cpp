@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/unit_search.h"
 #include "sources/file/file_base.h"
 #include "sources/file/file_data.h"
 #include "sources/file/file_lines.h"
@@ -27,11 +28,6 @@ void AppendCount(std::u16string& out, long runCount) {
   out.append(GetNumberAsWideString(runCount + 1).Units());
 }
 
-void Replace(std::u16string& text, char16_t from, char16_t to) {
-  char16_t* units = text.data();
-  for (std::size_t k = 0; k < text.size(); ++k) units[k] = units[k] == from ? to : units[k];
-}
-
 }  // namespace
 
 int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideString& result,
@@ -44,7 +40,7 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
   const long groupColumn = grouping ? FindIndexInHeader(WideString::FromUTF16(names), groupField) : -1;
   // From here on the header is a CR-separated list of names, so that the
   // where clause finds its field by name.
-  Replace(names, kTab, kCR);
+  host::ReplaceUnit(names, kTab, kCR);
   const WideString header(std::move(names));
   RecordFilter filter(WideString(query), header);
   WordStyling restyle(styling);
@@ -72,7 +68,7 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
       // A styling document leaves the fields CR-separated; the loop reads
       // them by TAB, computed fields included. The fields found while
       // restyling stay valid: only separators change.
-      Replace(record, kCR, kTab);
+      host::ReplaceUnit(record, kCR, kTab);
       recordFields = &restyle.LastFields();
     } else {
       WideString cleaned(std::move(record));

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "host/unit_search.h"
 #include "sources/file/file_base.h"
 #include "sources/file/file_data.h"
 #include "sources/file/file_lines.h"
@@ -16,9 +17,7 @@ namespace {
 
 WideString WithTabsAsCR(std::u16string_view text) {
   std::u16string converted(text);
-  for (char16_t& unit : converted) {
-    if (unit == kTab) unit = kCR;
-  }
+  host::ReplaceUnit(converted, kTab, kCR);
   return WideString(std::move(converted));
 }
 

@@ -102,6 +102,16 @@ bool TextFileReader::Read(std::u16string& out) {
   return !finished_ || carried > 0;
 }
 
+std::size_t TextFileReader::ReadThroughFirstCR(std::u16string& out) {
+  std::size_t searched = 0;
+  for (;;) {
+    const std::size_t cr = out.find(u'\r', searched);
+    if (cr != std::u16string::npos) return cr;
+    searched = out.size();  // each piece is searched once
+    if (!Read(out)) return std::u16string::npos;
+  }
+}
+
 // Word processors write a vertical tab for a soft line break; in the text it
 // stands as "<br>", the marker for a line break inside a value.
 void TextFileReader::DecodeOneByteText(std::u16string& out) {

@@ -26,6 +26,10 @@ class TextFileReader {
   // a character.
   bool Read(std::u16string& out);
 
+  // Reads pieces into out until they hold a CR or the file ends; returns the
+  // offset in out of that first CR, or npos.
+  std::size_t ReadThroughFirstCR(std::u16string& out);
+
   Encoding FileEncoding() const { return encoding_; }
   // For progress: bytes read so far, and the file's size (0 when unknown).
   std::uint64_t BytesRead() const { return bytesRead_; }

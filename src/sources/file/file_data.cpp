@@ -71,9 +71,8 @@ WideString FirstLineOfFile(const PMString& path) {
   TextFileReader reader;
   if (!reader.Open(path)) return {};
   std::u16string text;
-  while (text.find(kCR) == std::u16string::npos && reader.Read(text)) {
-  }
-  return WideString::FromUTF16(FieldOf(text, kCR, 1));
+  const std::size_t firstCR = reader.ReadThroughFirstCR(text);
+  return WideString::FromUTF16(std::u16string_view(text).substr(0, firstCR));
 }
 
 }  // namespace

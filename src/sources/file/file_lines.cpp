@@ -1,5 +1,7 @@
 #include "sources/file/file_lines.h"
 
+#include <algorithm>
+
 #include "host/unit_search.h"
 #include "sources/file/file_data.h"
 #include "talp/wide_string.h"
@@ -14,9 +16,7 @@ FileLines::FileLines(const PMString& path) {
     return;
   }
   // The form is decided on the first line, as GetFileData decides it.
-  std::size_t firstCR;
-  while ((firstCR = raw_.find(kCR)) == std::u16string::npos && reader_.Read(raw_)) {
-  }
+  const std::size_t firstCR = reader_.ReadThroughFirstCR(raw_);
   const DataForm form = FormOfFirstLine(WideString::FromUTF16(std::u16string_view(raw_).substr(0, firstCR)));
   if (form.xml) {
     while (reader_.Read(raw_)) {
@@ -39,6 +39,8 @@ bool FileLines::Fill() {
   // What was given out goes, so the buffer stays about one piece large.
   text_.erase(0, offset_);
   offset_ = 0;
+  // The partial line kept holds no CR: only the new piece is searched.
+  crFreeUpTo_ = text_.size();
   if (importer_) {
     raw_.clear();
     inputEnded_ = !reader_.Read(raw_);
@@ -56,9 +58,13 @@ bool FileLines::FinalPieceCounts(std::u16string_view rest) const {
   return WideString::FromUTF16(rest).CharCount() > 1;
 }
 
+std::size_t FileLines::NextCR() const {
+  return host::FindUnit(text_, std::max(offset_, crFreeUpTo_), kCR, kCR);
+}
+
 bool FileLines::Next(std::u16string_view& line) {
   for (;;) {
-    const std::size_t cr = host::FindUnit(text_, offset_, kCR, kCR);
+    const std::size_t cr = NextCR();
     if (cr != host::kNotFound) {
       line = std::u16string_view(text_).substr(offset_, cr - offset_);
       offset_ = cr + 1;
@@ -80,7 +86,7 @@ bool FileLines::Next(std::u16string_view& line) {
 
 bool FileLines::HasNext() {
   for (;;) {
-    if (host::FindUnit(text_, offset_, kCR, kCR) != host::kNotFound) return true;
+    if (NextCR() != host::kNotFound) return true;
     if (Fill()) continue;
     return !finalGiven_ && FinalPieceCounts(std::u16string_view(text_).substr(offset_));
   }

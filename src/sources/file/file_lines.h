@@ -39,6 +39,8 @@ class FileLines {
  private:
   // Moves one more piece of the file into text_; false at the end.
   bool Fill();
+  // The offset of the next CR at or after offset_, or host::kNotFound.
+  std::size_t NextCR() const;
   // Whether rest, the text after the last CR at the end of the file, is a line.
   bool FinalPieceCounts(std::u16string_view rest) const;
 
@@ -47,6 +49,7 @@ class FileLines {
   std::u16string raw_;   // a piece before conversion
   std::u16string text_;  // normalised text; what precedes offset_ was given out
   std::size_t offset_ = 0;
+  std::size_t crFreeUpTo_ = 0;  // text_ before this holds no CR after offset_
   bool inputEnded_ = false;
   bool finalGiven_ = false;
   bool sawCR_ = false;

@@ -5,6 +5,7 @@
 
 #include "host/unit_search.h"
 #include "sources/file/file_base.h"
+#include "sources/file/file_lines.h"
 #include "text/delimited.h"
 #include "text/item_cursor.h"
 #include "text/search_replace.h"
@@ -139,9 +140,19 @@ std::uint32_t FindIndexInLineHeader(const WideString& list, const PMString& name
 }
 
 int fetchColumnListFile(const PMString& path, WideString& result) {
-  WideString data;
-  GetFileData(path, data);
-  std::u16string names(FirstLine(data));
+  // Only the header is needed: read no further than its line.
+  std::u16string names;
+  FileLines lines(path);
+  std::u16string_view header;
+  if (lines.Next(header)) {
+    names = header;
+  } else if (lines.Readable()) {
+    // A text of one character has no counted line, yet its record 1 is that
+    // character; the whole (tiny) file tells.
+    WideString data;
+    GetFileData(path, data);
+    names = FirstLine(data);
+  }
   host::ReplaceUnit(names, kTab, kCR);
   result = WideString(std::move(names));
   return 0;

@@ -10,7 +10,8 @@
 namespace talp {
 
 FileLines::FileLines(const PMString& path) {
-  if (!reader_.Open(path)) {
+  readable_ = reader_.Open(path);
+  if (!readable_) {
     inputEnded_ = true;
     finalGiven_ = true;
     return;

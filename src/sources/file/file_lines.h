@@ -20,6 +20,9 @@ class FileLines {
   // A file that cannot be read has no lines (with ReadMixedFile's alerts).
   explicit FileLines(const PMString& path);
 
+  // Whether the file could be read at all.
+  bool Readable() const { return readable_; }
+
   // Sets line to the next line and returns true; false after the last. The
   // view is valid until the next call of Next or HasNext.
   bool Next(std::u16string_view& line);
@@ -54,6 +57,7 @@ class FileLines {
   bool finalGiven_ = false;
   bool sawCR_ = false;
   bool lastEndedWithCR_ = false;
+  bool readable_ = false;
 };
 
 }  // namespace talp

@@ -106,6 +106,10 @@ TEST_F(FileDataTest, ColumnListIsTheHeaderByCR) {
   WideString columns;
   EXPECT_EQ(fetchColumnListFile(folder.Path("c.csv"), columns), 0);
   EXPECT_EQ(columns.ToUTF8(), "sku\rname\rprice, EUR");
+  // A text of one character has no counted line but is its own header.
+  Spit(folder / "one.txt", "\xEF\xBB\xBF" "a");
+  EXPECT_EQ(fetchColumnListFile(folder.Path("one.txt"), columns), 0);
+  EXPECT_EQ(columns.ToUTF8(), "a");
 }
 
 TEST_F(FileDataTest, SaveKeepsDelimiterFormAndEncoding) {

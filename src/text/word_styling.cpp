@@ -261,6 +261,21 @@ void WordStyling::Apply(const WideString& header, WideString& record) {
   record = WideString(std::move(text));
 }
 
+const std::vector<std::u16string_view>& WordStyling::RestyleInLoop(const WideString& header,
+                                                                   std::u16string& record) {
+  if (document_) {
+    ApplyDocument(header, record);
+    // The fields found while restyling stay valid: only separators change.
+    host::ReplaceUnit(record, kCR, kTab);
+    return fields_;
+  }
+  WideString cleaned(std::move(record));
+  UnicodeCleaning(cleaned, table_);
+  record.assign(cleaned.Units());
+  SplitFieldsInto(record, kTab, fields_);
+  return fields_;
+}
+
 // Conditionals and number formats are pure and costly, and catalogues repeat
 // their inputs (a stock level, a category): their results are remembered, up
 // to a bound on the memory that takes.

@@ -43,6 +43,11 @@ class WordStyling {
   // the computed values one by one (they may hold CRs of their own).
   void ApplyDocument(const WideString& header, std::u16string& record,
                      std::vector<std::u16string>* values = nullptr);
+  // Restyles a TAB-separated record of a loop, which reads records by TAB: a
+  // styling document's result is turned back into TAB-separated fields,
+  // computed ones included. Returns the record's fields as views into it,
+  // valid until it changes.
+  const std::vector<std::u16string_view>& RestyleInLoop(const WideString& header, std::u16string& record);
   // The fields of the record last restyled by ApplyDocument, as views into
   // it; valid until that record is changed other than by swapping CRs and
   // TABs in place.

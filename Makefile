@@ -4,8 +4,9 @@ BUILD      ?= build
 ASAN_BUILD ?= build-asan
 FUZZ_BUILD ?= build-fuzz
 JOBS       ?= $(shell nproc)
+MYSQL_DIR  ?= /tmp/talp-mariadb
 
-.PHONY: all deps build demo test test-asan fuzz bench scale clean
+.PHONY: all deps build demo test test-asan fuzz bench scale clean mysql-server mysql-server-stop
 
 all: build
 
@@ -23,6 +24,14 @@ demo: build
 # Starts what the tests need, runs every test, stops what it started.
 test: build
 	scripts/run-tests.sh $(BUILD)
+
+# A throw-away MariaDB server with the example catalogue, to try the "mySQL" source;
+# prints the TALP_MYSQL_* settings (also in $(MYSQL_DIR)/server.env).
+mysql-server: deps
+	scripts/mariadb-server.sh start "$(MYSQL_DIR)"
+
+mysql-server-stop:
+	scripts/mariadb-server.sh stop "$(MYSQL_DIR)"
 
 # The same tests built with AddressSanitizer and UndefinedBehaviorSanitizer.
 test-asan: deps

@@ -3,7 +3,8 @@
 # Extra package names given as arguments are installed too.
 set -euo pipefail
 
-packages=(g++ cmake ninja-build pkg-config make libgtest-dev libgmock-dev libbenchmark-dev "$@")
+packages=(g++ cmake ninja-build pkg-config make libgtest-dev libgmock-dev libbenchmark-dev
+          mariadb-server mariadb-client libmariadb-dev "$@")
 
 missing=()
 for package in "${packages[@]}"; do

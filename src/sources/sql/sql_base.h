@@ -16,6 +16,12 @@ int fetchColumnListSQL(const PMString& host, int port, const PMString& user, con
                        const PMString& database, const PMString& table, const PMString& query, WideString& result);
 int ConnectWithInfoSQL(const WideString& statement, const PMString& host, int port, const PMString& user,
                        const PMString& password, const PMString& database, const PMString& extra);
+// Turns a user's search into the text that follows the table name: empty
+// stays empty, "SELECT ..." stays as it is, "WHERE ..." gains a leading blank,
+// and anything else becomes " WHERE a LIKE '%text%' OR b LIKE ..." over the
+// table's columns (text inserted unescaped). Replaces search.
+void CreateSearchString(const PMString& host, int port, const PMString& user, const PMString& password,
+                        const PMString& database, const PMString& table, PMString& search);
 int fetchRecordListSQL(const PMString& host, int port, const PMString& user, const PMString& password,
                        const PMString& database, const PMString& table, const PMString& sortField,
                        const PMString& shownField, const PMString& search, const PMString& groupField,

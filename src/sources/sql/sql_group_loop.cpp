@@ -1,0 +1,79 @@
+// The MySQL group loop: the records of a statement, consecutive records with
+// the same group value folded into one line (see GroupRuns).
+#include <string>
+
+#include "host/utf.h"
+#include "sources/sql/mysql_connection.h"
+#include "sources/sql/sql_base.h"
+#include "sources/sql/sql_rows.h"
+#include "text/group_runs.h"
+#include "text/record_template.h"
+#include "text/text_handlers.h"
+#include "text/word_styling.h"
+
+namespace talp {
+
+int fetchRecordGroupLoopSQL(const PMString& host, int port, const PMString& user, const PMString& password,
+                            const PMString& database, const PMString& table, WideString& result,
+                            const PMString& condition, const PMString& groupField, const PMString& lineLayout,
+                            const WideString& styling) {
+  sql::MySqlSession session;
+  PMString search = condition;
+  CreateSearchString(host, port, user, password, database, table, search);
+  // Records are grouped as the server delivers them; a caller that wants
+  // whole groups orders the statement itself.
+  std::string statement = search.GrabCString();
+  if (!statement.starts_with("SELECT ")) statement = "SELECT * FROM " + table.GrabCString() + statement;
+  if (!session.Init()) return 1;
+  if (!session.Init() || !session.Connect(host, port, user, password, database)) {
+    session.Close();
+    return 0;
+  }
+  session.Prepare();
+  session.Query(statement);
+  if (session.ErrorNumber() != 0) return 1;
+  const sql::Result rows = session.StoreResult();
+  const sql::Result fields = session.ListFields(table);
+  const WideString header = WideString::FromUTF8(sql::FieldNamesList(fields.get()));
+  const long groupPosition = sql::FieldPosition(fields.get(), groupField);
+  const bool grouping = groupPosition >= 0;
+
+  WordStyling restyle(styling);
+  // The line layout may name computed fields too.
+  WideString layoutNames = header;
+  AppendHeaderFromWordStyling(styling, layoutNames);
+  const RecordTemplate entryTemplate(lineLayout.AsWide().Units(), layoutNames.Units());
+  std::u16string out(result.Units());
+  GroupRuns runs(out);
+  std::string bytes;
+  std::u16string record;
+  std::u16string entry;
+  sql::ForEachRow(rows.get(), [&](MYSQL_ROW row, const unsigned long* lengths) {
+    // Every field ends with a TAB, as in the record loop, so that computed
+    // fields line up after the last one.
+    bytes.clear();
+    for (unsigned i = 0, n = mysql_num_fields(rows.get()); i < n; ++i) {
+      sql::AppendProtected(bytes, sql::FieldBytes(row, lengths, i));
+      bytes.push_back('\t');
+    }
+    record.clear();
+    utf::DecodeUTF8(bytes, record);
+    const auto& recordFields = restyle.RestyleInLoop(header, record);
+    if (!grouping) {
+      out.append(record).push_back(kCR);
+      return;
+    }
+    const auto position = static_cast<std::size_t>(groupPosition);
+    const std::u16string_view groupValue =
+        position < recordFields.size() ? recordFields[position] : std::u16string_view();
+    entry.clear();
+    entryTemplate.Fill(recordFields, entry);
+    runs.Add(record, groupValue, entry);
+  });
+  if (grouping) runs.Finish();
+  result = WideString(std::move(out));
+  session.Close();
+  return 0;
+}
+
+}  // namespace talp

@@ -1,0 +1,196 @@
+// MySQL record queries: the record list of a picker, the record loop and one
+// record with the other records of its group.
+#include <string>
+
+#include "host/utf.h"
+#include "sources/sql/mysql_connection.h"
+#include "sources/sql/sql_base.h"
+#include "sources/sql/sql_rows.h"
+#include "text/record_template.h"
+#include "text/text_handlers.h"
+#include "text/word_styling.h"
+
+namespace talp {
+namespace {
+
+// Appends value as UTF-16 without its CRs. The CRs go before decoding, as
+// bytes, so that decoding sees the value the way the server holds it.
+void AppendDecodedWithoutCR(std::u16string& out, std::string_view value, std::string& scratch) {
+  if (value.find('\r') == std::string_view::npos) {
+    utf::DecodeUTF8(value, out);
+    return;
+  }
+  scratch.clear();
+  for (const char c : value) {
+    if (c != '\r') scratch.push_back(c);
+  }
+  utf::DecodeUTF8(scratch, out);
+}
+
+// Bytes of every field of result, an upper bound for its UTF-16 length.
+std::size_t TotalBytes(MYSQL_RES* result) {
+  std::size_t total = 0;
+  if (result == nullptr) return total;
+  const unsigned n = mysql_num_fields(result);
+  while (mysql_fetch_row(result) != nullptr) {
+    const unsigned long* lengths = mysql_fetch_lengths(result);
+    for (unsigned i = 0; i < n; ++i) total += lengths[i] + 1;
+    ++total;
+  }
+  mysql_data_seek(result, 0);
+  return total;
+}
+
+// The SELECT of one record or one group: "SELECT * FROM table WHERE
+// field='value'", the value unescaped.
+std::string SelectWhereEquals(const PMString& table, const PMString& field, std::string_view value) {
+  std::string statement = "SELECT * FROM " + table.GrabCString() + " WHERE " + field.GrabCString() + "='";
+  statement.append(value).push_back('\'');
+  return statement;
+}
+
+// The other records of a group, each laid out by the styling and the line
+// layout, light and dark in turn, joined by "<br>", then a CR, the number of
+// records and a CR.
+std::u16string GroupText(MYSQL_RES* rows, const WideString& header, const WideString& styling,
+                         const PMString& lineLayout) {
+  std::u16string text;
+  if (rows == nullptr || mysql_num_rows(rows) == 0) return text;
+  WordStyling restyle(styling);
+  const RecordTemplate entryTemplate(lineLayout.AsWide().Units(), header.Units());
+  std::string bytes;
+  std::u16string record;
+  long count = 0;
+  sql::ForEachRow(rows, [&](MYSQL_ROW row, const unsigned long* lengths) {
+    bytes.clear();
+    for (unsigned i = 0, n = mysql_num_fields(rows); i < n; ++i) {
+      sql::AppendProtected(bytes, sql::FieldBytes(row, lengths, i));
+      bytes.push_back('\t');
+    }
+    record.clear();
+    utf::DecodeUTF8(bytes, record);
+    const auto& fields = restyle.RestyleInLoop(header, record);
+    if (count > 0) text.append(u"<br>");
+    text.append(count % 2 == 0 ? u"<pstyle:LineLight>" : u"<pstyle:LineDark>");
+    if (lineLayout.IsEmpty()) {
+      text.append(record);
+    } else {
+      entryTemplate.Fill(fields, text);
+    }
+    ++count;
+  });
+  text.push_back(kCR);
+  text.append(GetNumberAsWideString(count).Units());
+  text.push_back(kCR);
+  return text;
+}
+
+}  // namespace
+
+int fetchRecordListSQL(const PMString& host, int port, const PMString& user, const PMString& password,
+                       const PMString& database, const PMString& table, const PMString& sortField,
+                       const PMString& shownField, const PMString& search, const PMString& groupField,
+                       WideString& result) {
+  sql::MySqlSession session;
+  PMString condition = search;
+  CreateSearchString(host, port, user, password, database, table, condition);
+  if (!session.Init()) return 1;
+  if (!session.Init() || !session.Connect(host, port, user, password, database)) {
+    session.Close();
+    return 0;
+  }
+  session.Prepare();
+  const std::string sort = sortField.GrabCString();
+  std::string statement = "SELECT " + shownField.GrabCString() + "," + sort + " FROM " + table.GrabCString();
+  statement += condition.GrabCString();
+  if (sql::AsksForGrouping(groupField)) statement += " GROUP BY " + groupField.GrabCString();
+  statement += " ORDER BY " + sort + " ASC LIMIT 200";
+  session.Query(statement);
+  if (session.ErrorNumber() != 0) return 0;
+  const sql::Result rows = session.StoreResult();
+  std::string bytes;
+  sql::ForEachRow(rows.get(), [&](MYSQL_ROW row, const unsigned long* lengths) {
+    for (unsigned i = 0, n = mysql_num_fields(rows.get()); i < n; ++i) {
+      bytes.append(row[i] ? sql::FieldBytes(row, lengths, i) : "NULL").push_back('\t');
+    }
+    bytes.push_back('\r');
+  });
+  sql::DecodeInto(bytes, result);
+  session.Close();
+  return 0;
+}
+
+int fetchRecordLoopSQL(const PMString& host, int port, const PMString& user, const PMString& password,
+                       const PMString& database, const PMString& table, WideString& result,
+                       const PMString& condition) {
+  sql::MySqlSession session;
+  const std::string statement = "SELECT * FROM " + table.GrabCString() + " " + condition.GrabCString();
+  if (!session.Init()) return 1;
+  if (!session.Init() || !session.Connect(host, port, user, password, database)) {
+    result = WideString();
+    session.Close();
+    return 0;
+  }
+  session.Prepare();
+  session.Query(statement);
+  if (session.ErrorNumber() != 0) return 1;
+  const sql::Result rows = session.StoreResult();
+  std::u16string out;
+  // Decoded straight from the stored result: the text never exists twice.
+  out.reserve(TotalBytes(rows.get()));
+  std::string scratch;
+  sql::ForEachRow(rows.get(), [&](MYSQL_ROW row, const unsigned long* lengths) {
+    for (unsigned i = 0, n = mysql_num_fields(rows.get()); i < n; ++i) {
+      AppendDecodedWithoutCR(out, sql::FieldBytes(row, lengths, i), scratch);
+      out.push_back(kTab);
+    }
+    out.push_back(kCR);
+  });
+  result = WideString(std::move(out));
+  session.Close();
+  return 0;
+}
+
+int fetchSpecificRecordSQL(const PMString& host, int port, const PMString& user, const PMString& password,
+                           const PMString& database, const PMString& table, const PMString& keyField,
+                           const PMString& keyValue, const PMString& groupField, const PMString& lineLayout,
+                           const WideString& styling, WideString& result) {
+  sql::MySqlSession session;
+  if (!session.Init()) return 1;
+  if (!session.Init() || !session.Connect(host, port, user, password, database)) {
+    session.Close();
+    return 0;
+  }
+  const sql::Result fields = session.ListFields(table);
+  WideString header = WideString::FromUTF8(sql::FieldNamesList(fields.get()));
+  const long groupPosition = sql::FieldPosition(fields.get(), groupField);
+  AppendHeaderFromWordStyling(styling, header);
+
+  session.Prepare();
+  session.Query(SelectWhereEquals(table, keyField, keyValue.GrabCString()));
+  if (session.ErrorNumber() != 0) return 0;
+  const sql::Result rows = session.StoreResult();
+  std::string record;
+  std::string groupValue;
+  sql::ForEachRow(rows.get(), [&](MYSQL_ROW row, const unsigned long* lengths) {
+    for (unsigned i = 0, n = mysql_num_fields(rows.get()); i < n; ++i) {
+      const std::string_view value = sql::FieldBytes(row, lengths, i);
+      sql::AppendProtected(record, value);
+      record.push_back('\r');
+      if (static_cast<long>(i) == groupPosition) groupValue = value;
+    }
+  });
+
+  std::u16string groupText;
+  if (sql::AsksForGrouping(groupField) && session.Query(SelectWhereEquals(table, groupField, groupValue))) {
+    const sql::Result group = session.StoreResult();
+    groupText = GroupText(group.get(), header, styling, lineLayout);
+  }
+  sql::DecodeInto(record, result);
+  HandleWordStyling(styling, header, result);
+  if (!groupText.empty()) result.Append(WideString(std::move(groupText)));
+  session.Close();
+  return 0;
+}
+
+}  // namespace talp

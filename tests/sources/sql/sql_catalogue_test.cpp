@@ -1,0 +1,138 @@
+#include <gtest/gtest.h>
+
+#include "mysql_fixture.h"
+#include "sources/sql/mysql_connection.h"
+#include "sources/sql/sql_base.h"
+
+namespace talp {
+namespace {
+
+// Nothing listens on port 1 of the loopback address.
+int RefusedPort() { return 1; }
+
+class SqlCatalogue : public test::MySqlTest {};
+
+TEST_F(SqlCatalogue, DatabaseListDropsTheFirstDatabaseTheServerLists) {
+  const std::string only = CreateUser("db", "pw1");
+  WideString result("untouched");
+  EXPECT_EQ(fetchDatabaseListSQL(host, port, PMString(only), "pw1", result), 0);
+  // The user sees information_schema and its database; the first is dropped.
+  EXPECT_EQ(result.ToUTF8(), database.GrabCString() + "\r");
+}
+
+TEST_F(SqlCatalogue, DatabaseListOfAUserWhoSeesOneDatabaseIsEmpty) {
+  const std::string none = CreateUser("none", "pw2");
+  Exec("REVOKE ALL ON " + database.GrabCString() + ".* FROM '" + none + "'@'%'");
+  WideString result("untouched");
+  EXPECT_EQ(fetchDatabaseListSQL(host, port, PMString(none), "pw2", result), 0);
+  EXPECT_EQ(result.ToUTF8(), "");
+}
+
+TEST_F(SqlCatalogue, TableListNamesEveryTable) {
+  Exec("CREATE TABLE b (x INT); CREATE TABLE a (x INT); CREATE TABLE `t\xC3\xB6` (x INT)");
+  WideString result;
+  EXPECT_EQ(fetchTableListSQL(host, port, user, password, database, result), 0);
+  EXPECT_EQ(result.ToUTF8(), "a\rb\rt\xC3\xB6\r");
+}
+
+TEST_F(SqlCatalogue, ColumnListOfATableOrOfAStatement) {
+  Exec("CREATE TABLE tt (id INT, name TEXT, price DECIMAL(8,2))");
+  struct Case {
+    const char* table;
+    const char* query;
+    const char* expected;
+  } cases[] = {
+      {"tt", "", "id\rname\rprice\r"},
+      {"tt", "SELECT price, id AS k FROM tt", "price\rk\r"},
+      {"tt", "select id from tt", "id\rname\rprice\r"},  // not upper case: the table's fields
+      {"tt", "SELECTid FROM tt", "id\rname\rprice\r"},
+      {"no table", "SELECT 1 AS one, 'x' AS \xC3\xA9t\xC3\xA9", "one\r\xC3\xA9t\xC3\xA9\r"},
+  };
+  for (const Case& c : cases) {
+    WideString result;
+    EXPECT_EQ(fetchColumnListSQL(host, port, user, password, database, c.table, c.query, result), 0) << c.query;
+    EXPECT_EQ(result.ToUTF8(), c.expected) << c.query;
+  }
+  EXPECT_TRUE(alerts.alerts.empty());
+}
+
+// Every failure row of the catalogue: status, alerts, output left alone.
+class SqlFailures : public test::MySqlTest {};
+
+TEST_F(SqlFailures, RefusedConnection) {
+  WideString result("untouched");
+  EXPECT_EQ(fetchDatabaseListSQL(host, RefusedPort(), user, password, result), 1);
+  EXPECT_EQ(fetchTableListSQL(host, RefusedPort(), user, password, database, result), 1);
+  EXPECT_EQ(fetchColumnListSQL(host, RefusedPort(), user, password, database, "tt", "", result), 0);
+  EXPECT_EQ(ConnectWithInfoSQL("SELECT 1", host, RefusedPort(), user, password, database, ""), 0);
+  EXPECT_EQ(result.ToUTF8(), "untouched");
+  EXPECT_EQ(alerts.alerts, std::vector<std::string>{"NOT CONNECTED TO BASE"});
+}
+
+TEST_F(SqlFailures, WrongPassword) {
+  WideString result("untouched");
+  const PMString wrong("not-the-password");
+  EXPECT_EQ(fetchDatabaseListSQL(host, port, user, wrong, result), 1);
+  EXPECT_EQ(fetchTableListSQL(host, port, user, wrong, database, result), 1);
+  EXPECT_EQ(fetchColumnListSQL(host, port, user, wrong, database, "tt", "", result), 0);
+  EXPECT_EQ(ConnectWithInfoSQL("SELECT 1", host, port, user, wrong, database, ""), 0);
+  EXPECT_EQ(result.ToUTF8(), "untouched");
+  ASSERT_EQ(alerts.alerts, std::vector<std::string>{"NOT CONNECTED TO BASE"});
+}
+
+TEST_F(SqlFailures, UnknownTableShowsTheServersMessage) {
+  WideString result("untouched");
+  EXPECT_EQ(fetchColumnListSQL(host, port, user, password, database, "missing", "", result), 1);
+  EXPECT_EQ(result.ToUTF8(), "untouched");
+  ASSERT_EQ(alerts.alerts.size(), 1U);
+  EXPECT_NE(alerts.alerts[0].find("missing"), std::string::npos) << alerts.alerts[0];
+}
+
+TEST_F(SqlFailures, OneCharacterTableNameIsRefusedBeforeConnecting) {
+  Exec("CREATE TABLE t (id INT)");
+  WideString result("untouched");
+  EXPECT_EQ(fetchColumnListSQL(host, RefusedPort(), user, password, database, "t", "", result), 1);
+  EXPECT_EQ(fetchColumnListSQL(host, port, user, password, database, "t", "", result), 1);
+  EXPECT_EQ(result.ToUTF8(), "untouched");
+  EXPECT_TRUE(alerts.alerts.empty());
+}
+
+TEST_F(SqlFailures, RejectedColumnStatementShowsTheServersMessageOnce) {
+  WideString result("untouched");
+  EXPECT_EQ(fetchColumnListSQL(host, port, user, password, database, "tt", "SELECT nope FROM nowhere", result), 1);
+  EXPECT_EQ(result.ToUTF8(), "untouched");
+  ASSERT_EQ(alerts.alerts.size(), 1U);
+  EXPECT_NE(alerts.alerts[0].find("nowhere"), std::string::npos) << alerts.alerts[0];
+}
+
+TEST_F(SqlFailures, RejectedStatementIsShownTwice) {
+  EXPECT_EQ(ConnectWithInfoSQL("DROP TABLE nowhere", host, port, user, password, database, "ignored"), 0);
+  ASSERT_EQ(alerts.alerts.size(), 2U);
+  EXPECT_NE(alerts.alerts[0].find("nowhere"), std::string::npos) << alerts.alerts[0];
+  EXPECT_EQ(alerts.alerts[1], alerts.alerts[0]);
+}
+
+TEST_F(SqlFailures, ServerErrorOnListingTablesIsSilent) {
+  WideString result("untouched");
+  EXPECT_EQ(fetchTableListSQL(host, port, user, password, "no_such_database", result), 1);  // connect fails
+  EXPECT_EQ(result.ToUTF8(), "untouched");
+  EXPECT_TRUE(alerts.alerts.empty());
+}
+
+TEST_F(SqlCatalogue, ConnectWithInfoRunsTheStatementAndDiscardsRows) {
+  Exec("CREATE TABLE t (id INT)");
+  EXPECT_EQ(ConnectWithInfoSQL("INSERT INTO t VALUES (7), (8)", host, port, user, password, database, ""), 0);
+  EXPECT_EQ(ConnectWithInfoSQL("SELECT * FROM t", host, port, user, password, database, ""), 0);
+  EXPECT_EQ(Rows("SELECT id FROM t ORDER BY id"), (std::vector<std::string>{"7", "8"}));
+  EXPECT_TRUE(alerts.alerts.empty());
+}
+
+TEST_F(SqlCatalogue, EveryOperationLeavesItsHandleInTheSharedSlot) {
+  pConnection = nullptr;
+  WideString result;
+  fetchTableListSQL(host, port, user, password, database, result);
+  EXPECT_NE(pConnection, nullptr);
+}
+
+}  // namespace
+}  // namespace talp

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Shows talp at work on the bundled example catalogues: for each form the
-# column list, a filtered loop and one record.
+# Shows talp at work on the bundled example catalogues: for each file form the
+# column list, a filtered loop and one record; then the same catalogue in a
+# throw-away MariaDB server through the mySQL source.
 set -euo pipefail
 
 talp=${1:?usage: demo.sh PATH_TO_TALP}
@@ -33,3 +34,22 @@ run style 1005 --styling @examples/styling.xml --type File --file examples/catal
 echo
 echo "=== the group loop: tools and fasteners grouped by category"
 run group --type File --file examples/catalogue-comma.csv --group category --contents "[name]" --query "where category LIKE '%s'"
+
+echo
+echo "=== the mySQL source: the example catalogue in a throw-away MariaDB server"
+server=$(mktemp -d /tmp/talp-demo-mariadb.XXXXXX)
+trap 'scripts/mariadb-server.sh stop "$server" > /dev/null' EXIT
+scripts/mariadb-server.sh start "$server" > /dev/null
+set -a
+. "$server/server.env"
+set +a
+export TALP_PASSWORD=$TALP_MYSQL_PASSWORD
+source=(--type mySQL --host "$TALP_MYSQL_HOST" --port "$TALP_MYSQL_PORT" --user "$TALP_MYSQL_USER"
+        --database "$TALP_MYSQL_DATABASE" --table catalogue --key sku)
+run tables "${source[@]}"
+run columns "${source[@]}"
+run list "${source[@]}" --sort price --search fasteners
+run loop "${source[@]}" --where "WHERE category='tools'"
+run record 1005 "${source[@]}" --group category --contents "[name]"
+run group "${source[@]}" --group category --contents "[name] [price]" \
+    --query "SELECT * FROM catalogue ORDER BY category, sku"

@@ -328,7 +328,9 @@ start() {
   } >"$dir/server.env"
   started=1
 
-  cat "$dir/server.env"
+  # The password stays in the file: it never goes to a terminal or a log.
+  grep -v '^TALP_MYSQL_PASSWORD=' "$dir/server.env"
+  echo "TALP_MYSQL_PASSWORD=(in $dir/server.env)"
   echo "# MariaDB runs in $dir (client options: $dir/client.cnf). Try:"
   echo "#   set -a; . $dir/server.env; set +a; TALP_PASSWORD=\$TALP_MYSQL_PASSWORD build/talp tables --host \$TALP_MYSQL_HOST --port \$TALP_MYSQL_PORT --user \$TALP_MYSQL_USER --database \$TALP_MYSQL_DATABASE --type mySQL"
 }

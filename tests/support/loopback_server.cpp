@@ -64,7 +64,8 @@ void LoopbackServer::Serve(Mode mode, const std::vector<std::string>& answer) {
   host::UniqueFd client = listener_.Accept();
   if (!client.IsValid()) return;
   char buffer[65536];
-  while (mode == Mode::kReadUntilClose || received_.find("\r\n\r\n") == std::string::npos) {
+  while (mode == Mode::kReadUntilClose ||
+         (mode == Mode::kAnswerAfterBlankLine && received_.find("\r\n\r\n") == std::string::npos)) {
     const ssize_t count = ::recv(client.Get(), buffer, sizeof buffer, 0);
     if (count <= 0) break;
     received_.append(buffer, static_cast<std::size_t>(count));

@@ -1,4 +1,4 @@
-// A TCP server on 127.0.0.1 at a free port for the HTTP tests, serving one
+// A TCP server on 127.0.0.1 at a free port for the network tests, serving one
 // connection in a thread of the test process. Every wait is bounded, so a
 // client that never comes or never closes fails a test instead of hanging it.
 #pragma once
@@ -41,6 +41,7 @@ class LoopbackServer {
   enum class Mode {
     kAnswerAfterBlankLine,  // read up to "\r\n\r\n", send the answer, close
     kReadUntilClose,        // read until the client closes, answer nothing
+    kAnswerAtOnce,          // send the answer as soon as the client connects, close
   };
   // Sends each packet of answer with a send call of its own.
   LoopbackServer(Mode mode, std::vector<std::string> answer = {});

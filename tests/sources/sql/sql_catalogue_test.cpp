@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "loopback_server.h"
 #include "mysql_fixture.h"
 #include "sources/sql/mysql_connection.h"
 #include "sources/sql/sql_base.h"
@@ -7,8 +8,10 @@
 namespace talp {
 namespace {
 
-// Nothing listens on port 1 of the loopback address.
-int RefusedPort() { return 1; }
+int RefusedPort() {
+  static const test::RefusingPort port;
+  return port.Port();
+}
 
 class SqlCatalogue : public test::MySqlTest {};
 
@@ -117,6 +120,28 @@ TEST_F(SqlFailures, ServerErrorOnListingTablesIsSilent) {
   EXPECT_EQ(fetchTableListSQL(host, port, user, password, "no_such_database", result), 1);  // connect fails
   EXPECT_EQ(result.ToUTF8(), "untouched");
   EXPECT_TRUE(alerts.alerts.empty());
+}
+
+// A peer that is no MySQL server, or a broken one, is a failed connect.
+TEST(SqlHostilePeer, IsAFailedConnect) {
+  const std::string packetHeaderOnly("\x4a\x00\x00\x00\x0a", 5);  // a greeting cut short
+  const std::string hugePacket("\xff\xff\xff\x00\x0a5.5.5", 10);
+  const std::string errorPacket("\x17\x00\x00\x00\xff\x10\x04Too many connections", 27);
+  for (const std::string& answer : {std::string(), std::string("HTTP/1.0 200 OK\r\n\r\n"), packetHeaderOnly,
+                                    hugePacket, errorPacket, std::string(100000, '\xff')}) {
+    test::TestHost alerts;
+    WideString result("untouched");
+    {
+      test::LoopbackServer peer(test::LoopbackServer::Mode::kAnswerAtOnce, {answer});
+      EXPECT_EQ(fetchDatabaseListSQL("127.0.0.1", peer.Port(), "u", "p", result), 1);
+    }
+    EXPECT_EQ(alerts.alerts, std::vector<std::string>{"NOT CONNECTED TO BASE"});
+    {
+      test::LoopbackServer peer(test::LoopbackServer::Mode::kAnswerAtOnce, {answer});
+      EXPECT_EQ(fetchRecordLoopSQL("127.0.0.1", peer.Port(), "u", "p", "d", "tt", result, ""), 0);
+    }
+    EXPECT_EQ(result.ToUTF8(), "");
+  }
 }
 
 TEST_F(SqlCatalogue, ConnectWithInfoRunsTheStatementAndDiscardsRows) {

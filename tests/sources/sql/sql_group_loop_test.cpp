@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "loopback_server.h"
 #include "mysql_fixture.h"
 #include "sources/sql/sql_base.h"
 
@@ -66,7 +67,7 @@ TEST_F(SqlGroupLoop, Failures) {
   EXPECT_EQ(fetchRecordGroupLoopSQL(host, port, user, password, database, "missing", result, "WHERE id=1", "k",
                                     "", ""),
             1);
-  EXPECT_EQ(fetchRecordGroupLoopSQL(host, 1, user, password, database, "gg", result, "", "k", "", ""), 0);
+  EXPECT_EQ(fetchRecordGroupLoopSQL(host, test::RefusingPort().Port(), user, password, database, "gg", result, "", "k", "", ""), 0);
   EXPECT_EQ(result.ToUTF8(), "untouched");
   EXPECT_TRUE(alerts.alerts.empty());
 }

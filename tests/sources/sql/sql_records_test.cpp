@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "loopback_server.h"
 #include "mysql_fixture.h"
 #include "sources/sql/sql_base.h"
 
@@ -88,7 +89,7 @@ TEST_F(SqlRecords, LoopLayout) {
 TEST_F(SqlRecords, LoopFailures) {
   EXPECT_EQ(Loop("WHERE nope=1", 1), "untouched");
   WideString result("untouched");
-  EXPECT_EQ(fetchRecordLoopSQL(host, 1, user, password, database, "goods", result, ""), 0);
+  EXPECT_EQ(fetchRecordLoopSQL(host, test::RefusingPort().Port(), user, password, database, "goods", result, ""), 0);
   EXPECT_EQ(result.ToUTF8(), "");  // a refused connection empties the output
   EXPECT_TRUE(alerts.alerts.empty());
 }

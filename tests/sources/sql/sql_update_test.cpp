@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "loopback_server.h"
 #include "mysql_fixture.h"
 #include "sources/sql/sql_base.h"
 
@@ -46,7 +47,7 @@ TEST_F(SqlUpdate, ARejectedStatementShowsTheServersMessage) {
 }
 
 TEST_F(SqlUpdate, ARefusedConnectionIsSilent) {
-  EXPECT_EQ(updateBaseFieldWithInfoSQL("v", "v", "42", host, 1, user, password, database, "t", "id"), 0);
+  EXPECT_EQ(updateBaseFieldWithInfoSQL("v", "v", "42", host, test::RefusingPort().Port(), user, password, database, "t", "id"), 0);
   EXPECT_TRUE(alerts.alerts.empty());
 }
 

@@ -6,7 +6,7 @@ FUZZ_BUILD ?= build-fuzz
 JOBS       ?= $(shell nproc)
 MYSQL_DIR  ?= /tmp/talp-mariadb
 
-.PHONY: all deps build demo test test-asan fuzz bench scale clean mysql-server mysql-server-stop
+.PHONY: all deps build demo test test-asan fuzz bench scale mysql-scale clean mysql-server mysql-server-stop
 
 all: build
 
@@ -56,6 +56,14 @@ scale:
 	cmake -S . -B build-release -G Ninja -DCMAKE_BUILD_TYPE=Release
 	cmake --build build-release -j $(JOBS) --target talp
 	bench/scale.sh build-release
+
+# talp's "mySQL" source against the mariadb client and the bare client library, on a
+# million-row table of a throw-away server.
+mysql-scale:
+	scripts/install-deps.sh python3 time bc
+	cmake -S . -B build-release -G Ninja -DCMAKE_BUILD_TYPE=Release
+	cmake --build build-release -j $(JOBS) --target talp mysql_baseline
+	bench/mysql_scale.sh build-release
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) build-release

@@ -13,20 +13,6 @@
 namespace talp {
 namespace {
 
-// Appends value as UTF-16 without its CRs. The CRs go before decoding, as
-// bytes, so that decoding sees the value the way the server holds it.
-void AppendDecodedWithoutCR(std::u16string& out, std::string_view value, std::string& scratch) {
-  if (value.find('\r') == std::string_view::npos) {
-    utf::DecodeUTF8(value, out);
-    return;
-  }
-  scratch.clear();
-  for (const char c : value) {
-    if (c != '\r') scratch.push_back(c);
-  }
-  utf::DecodeUTF8(scratch, out);
-}
-
 // Bytes of every field of result, an upper bound for its UTF-16 length.
 std::size_t TotalBytes(MYSQL_RES* result) {
   std::size_t total = 0;
@@ -138,12 +124,16 @@ int fetchRecordLoopSQL(const PMString& host, int port, const PMString& user, con
   std::u16string out;
   // Decoded straight from the stored result: the text never exists twice.
   out.reserve(TotalBytes(rows.get()));
-  std::string scratch;
+  std::string line;
   sql::ForEachRow(rows.get(), [&](MYSQL_ROW row, const unsigned long* lengths) {
+    line.clear();
     for (unsigned i = 0, n = mysql_num_fields(rows.get()); i < n; ++i) {
-      AppendDecodedWithoutCR(out, sql::FieldBytes(row, lengths, i), scratch);
-      out.push_back(kTab);
+      line.append(sql::FieldBytes(row, lengths, i)).push_back('\t');
     }
+    // CRs go as bytes, before decoding, so that decoding sees each value the
+    // way the server holds it.
+    if (line.find('\r') != std::string::npos) std::erase(line, '\r');
+    utf::DecodeUTF8(line, out);
     out.push_back(kCR);
   });
   result = WideString(std::move(out));

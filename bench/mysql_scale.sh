@@ -1,0 +1,112 @@
+#!/usr/bin/env bash
+# Measures talp's "mySQL" source on a generated catalogue table of a throw-away
+# MariaDB server, against the mariadb client and bench/mysql_baseline (the client
+# library used directly): time (median of five runs) and peak memory. Usage:
+#   bench/mysql_scale.sh [BUILD_FOLDER] [ROWS]     (defaults: build-release 1000000)
+set -euo pipefail
+
+build=${1:-build-release}
+rows=${2:-1000000}
+cd "$(dirname "$0")/.."
+talp="$build/talp"
+baseline="$build/bench/mysql_baseline"
+work=$(mktemp -d)
+db=$(mktemp -d /tmp/talp-mysql-bench.XXXXXX)
+trap 'scripts/mariadb-server.sh stop "$db"; rm -rf "$work"' EXIT
+
+scripts/mariadb-server.sh start "$db" >/dev/null
+# shellcheck disable=SC1091
+. "$db/server.env"
+export TALP_PASSWORD=$TALP_MYSQL_PASSWORD
+client=(mariadb --defaults-file="$db/client.cnf" --database="$TALP_MYSQL_DATABASE")
+connection=(--host "$TALP_MYSQL_HOST" --port "$TALP_MYSQL_PORT" --user "$TALP_MYSQL_USER"
+            --database "$TALP_MYSQL_DATABASE" --table catalogue --type mySQL --raw)
+target=("$TALP_MYSQL_HOST" "$TALP_MYSQL_PORT" "$TALP_MYSQL_USER" "$TALP_MYSQL_DATABASE" catalogue)
+
+python3 bench/make_catalogue.py "$rows" "$work/big"
+
+# The server comes with the small example catalogue, which the big one replaces.
+# It is made for tests of a few rows; a buffer pool that holds the whole
+# table keeps the disk out of both the load and the reads.
+load_start=$(date +%s.%N)
+"${client[@]}" --local-infile=1 <<SQL
+SET GLOBAL innodb_buffer_pool_size = 1024 * 1024 * 1024;
+SET GLOBAL innodb_log_file_size = 512 * 1024 * 1024;
+SET GLOBAL local_infile = 1;
+DROP TABLE catalogue;
+CREATE TABLE catalogue (sku INT PRIMARY KEY, name VARCHAR(255), category VARCHAR(255),
+  brand VARCHAR(255), price DECIMAL(10,2), stock INT, description VARCHAR(255), ean VARCHAR(20))
+  CHARACTER SET utf8mb4;
+LOAD DATA LOCAL INFILE '$work/big.txt' INTO TABLE catalogue CHARACTER SET utf8mb4
+  FIELDS TERMINATED BY '\t' ESCAPED BY '' LINES TERMINATED BY '\n' IGNORE 1 LINES;
+SQL
+load=$(printf '%.2f' "$(echo "$(date +%s.%N) - $load_start" | bc)")
+count=$("${client[@]}" --batch --skip-column-names -e 'SELECT COUNT(*) FROM catalogue')
+stored=$("${client[@]}" --batch --skip-column-names -e 'SELECT SUM(LENGTH(sku) + LENGTH(name)
+  + LENGTH(category) + LENGTH(brand) + LENGTH(price) + LENGTH(stock) + LENGTH(description)
+  + LENGTH(ean)) FROM catalogue')
+echo "catalogue: $count rows, $(stat -c %s "$work/big.txt") bytes as TAB text, loaded in $load s;" \
+     "$stored bytes of field values stored"
+
+# median of five runs of a command, its output thrown away
+median() {
+  local times=()
+  for _ in 1 2 3 4 5; do
+    local start end
+    start=$(date +%s.%N)
+    "$@" >/dev/null
+    end=$(date +%s.%N)
+    times+=("$(echo "$end - $start" | bc)")
+  done
+  printf '%.3f\n' "$(printf '%s\n' "${times[@]}" | sort -n | sed -n 3p)"
+}
+
+# mean of fifty runs in a row
+mean50() {
+  local start end
+  start=$(date +%s.%N)
+  for _ in $(seq 50); do "$@" >/dev/null; done
+  end=$(date +%s.%N)
+  printf '%.4f\n' "$(echo "scale=6; ($end - $start) / 50" | bc)"
+}
+
+peak() { /usr/bin/time -f %M "$@" 2>&1 >/dev/null | tail -1; }
+mb() { echo "scale=1; $1 / 1048576" | bc; }
+ratio() { printf '%.2f' "$(echo "scale=4; $1 / $2" | bc)"; }
+
+key=1000500
+[ "$rows" -gt 500 ] || key=1000000
+mariadb_loop=("${client[@]}" --batch --skip-column-names -e 'SELECT * FROM catalogue')
+baseline_loop=("$baseline" loop "${target[@]}")
+talp_loop=("$talp" loop "${connection[@]}")
+
+declare -A t m o
+measure() {
+  local tool=$1
+  shift
+  t[$tool]=$(median "$@")
+  m[$tool]=$(peak "$@")
+  o[$tool]=$("$@" | wc -c)
+}
+"${mariadb_loop[@]}" >/dev/null  # warms the buffer pool for everybody
+measure mariadb "${mariadb_loop[@]}"
+measure baseline "${baseline_loop[@]}"
+measure talp "${talp_loop[@]}"
+record_baseline=$(mean50 "$baseline" record "${target[@]}" sku "$key")
+record_talp=$(mean50 "$talp" record "$key" "${connection[@]}" --key sku)
+
+cat <<REPORT
+
+| SELECT * FROM catalogue ($count rows) | seconds | x mariadb | x baseline | peak MB | x stored | output MB |
+|---|---|---|---|---|---|---|
+| mariadb --batch | ${t[mariadb]} | 1 | $(ratio "${t[mariadb]}" "${t[baseline]}") | $(mb $((m[mariadb] * 1024))) | $(ratio $((m[mariadb] * 1024)) "$stored") | $(mb "${o[mariadb]}") |
+| mysql_baseline loop | ${t[baseline]} | $(ratio "${t[baseline]}" "${t[mariadb]}") | 1 | $(mb $((m[baseline] * 1024))) | $(ratio $((m[baseline] * 1024)) "$stored") | $(mb "${o[baseline]}") |
+| talp loop | ${t[talp]} | $(ratio "${t[talp]}" "${t[mariadb]}") | $(ratio "${t[talp]}" "${t[baseline]}") | $(mb $((m[talp] * 1024))) | $(ratio $((m[talp] * 1024)) "$stored") | $(mb "${o[talp]}") |
+
+| one record, sku $key (mean of 50 runs) | seconds | x baseline |
+|---|---|---|
+| mysql_baseline record | $record_baseline | 1 |
+| talp record | $record_talp | $(ratio "$record_talp" "$record_baseline") |
+
+Stored field values: $(mb "$stored") MB; data load: $load s.
+REPORT

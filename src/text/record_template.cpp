@@ -1,5 +1,6 @@
 #include "text/record_template.h"
 
+#include <cstdint>
 #include <unordered_map>
 
 #include "host/unit_search.h"
@@ -65,6 +66,19 @@ void RecordTemplate::Fill(const std::vector<std::u16string_view>& values, std::u
       DecodeRecordValue(decoded);
       out.append(decoded.Units());
     }
+  }
+}
+
+void RecordTemplate::AppendKey(const std::vector<std::u16string_view>& values, std::u16string& key) const {
+  for (const Piece& piece : pieces_) {
+    if (piece.field < 0) continue;
+    const std::u16string_view value =
+        static_cast<std::size_t>(piece.field) < values.size() ? values[static_cast<std::size_t>(piece.field)]
+                                                              : std::u16string_view();
+    for (std::uint64_t length = value.size(), i = 0; i < 4; ++i, length >>= 16) {
+      key.push_back(static_cast<char16_t>(length & 0xFFFF));
+    }
+    key.append(value);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "host/unit_search.h"
@@ -283,16 +284,23 @@ std::u16string_view WordStyling::Compute(std::size_t n) {
   const Process& process = processes_[n];
   const bool remembered = process.kind == Process::Type::kExif || process.kind == Process::Type::kExfm;
   value_.clear();
+  filled_.clear();
   if (!remembered) {
+    infos_[n].Fill(fields_, filled_);
     ComputeValue(process, filled_, decimal_, value_);
     return value_;
   }
+  // The key is the values the information refers to, far shorter than the
+  // filled information, which is built only when the value is new.
+  key_.clear();
+  infos_[n].AppendKey(fields_, key_);
   auto& memo = memos_[n];
-  if (const auto found = memo.find(filled_); found != memo.end()) return found->second;
+  if (const auto found = memo.find(key_); found != memo.end()) return found->second;
   constexpr std::size_t kMaxRemembered = 1 << 14;
   if (memo.size() >= kMaxRemembered) memo.clear();
+  infos_[n].Fill(fields_, filled_);
   ComputeValue(process, filled_, decimal_, value_);
-  return memo.emplace(filled_, value_).first->second;
+  return memo.emplace(key_, value_).first->second;
 }
 
 void WordStyling::ApplyDocument(const WideString& header, std::u16string& text,
@@ -302,7 +310,11 @@ void WordStyling::ApplyDocument(const WideString& header, std::u16string& text,
     SplitFieldsInto(text, kCR, fields_);
     return;
   }
-  if (!bound_ || !(boundHeader_ == header)) Bind(header);
+  const std::u16string_view bound = boundHeader_.Units(), wanted = header.Units();
+  if (!bound_ || bound.size() != wanted.size() ||
+      std::memcmp(bound.data(), wanted.data(), wanted.size() * sizeof(char16_t)) != 0) {
+    Bind(header);
+  }
   // The fields are found once and then followed as values are appended: the
   // last field always runs to the end of the text, and a CR (also one inside
   // a value) starts a new one.
@@ -314,22 +326,28 @@ void WordStyling::ApplyDocument(const WideString& header, std::u16string& text,
     }
     spans_.back().second = text.size() - spans_.back().first;
   };
+  // The views stay valid while the text keeps its memory; then only the last
+  // field and the new ones change when a value is appended.
+  const auto viewFrom = [&](std::size_t first) {
+    fields_.resize(first);
+    for (std::size_t i = first; i < spans_.size(); ++i) {
+      fields_.push_back(std::u16string_view(text).substr(spans_[i].first, spans_[i].second));
+    }
+  };
   followFrom(0);
+  viewFrom(0);
   // Each process sees the record with the values computed before it.
   for (std::size_t n = 0; n < processes_.size(); ++n) {
-    fields_.clear();
-    for (const auto& [start, length] : spans_) fields_.push_back(std::u16string_view(text).substr(start, length));
-    filled_.clear();
-    infos_[n].Fill(fields_, filled_);
     const std::size_t end = text.size();
     const std::u16string_view value = Compute(n);
     if (values != nullptr) values->emplace_back(value);
+    const char16_t* before = text.data();
+    const std::size_t lastField = spans_.size() - 1;
     text.append(value);
     text.push_back(kCR);
     followFrom(end);
+    viewFrom(text.data() == before ? lastField : 0);
   }
-  fields_.clear();
-  for (const auto& [start, length] : spans_) fields_.push_back(std::u16string_view(text).substr(start, length));
 }
 
 void AppendHeaderFromWordStyling(const WideString& styling, WideString& header) {

@@ -71,6 +71,7 @@ class WordStyling {
   std::vector<std::u16string_view> fields_;
   std::vector<std::pair<std::size_t, std::size_t>> spans_;  // start and length of each field
   std::u16string filled_;
+  std::u16string key_;
   std::u16string value_;
   std::vector<std::unordered_map<std::u16string, std::u16string>> memos_;
 };

@@ -21,21 +21,25 @@ using Units = std::u16string_view;
 bool ReplaceInto(Units units, Units find, Units replacement, std::u16string& out) {
   // An empty find string would never advance; it changes nothing.
   if (units.empty() || find.empty()) return false;
-  std::vector<char32_t> wanted;
-  for (std::size_t i = 0; i < find.size();) wanted.push_back(utf::NextChar(find, i));
+  std::size_t afterFirst = 0;
+  const char32_t first = utf::NextChar(find, afterFirst);
 
   std::size_t copied = 0;
   bool replaced = false;
   std::size_t i = 0;
-  while ((i = FindCharacter(units, i, wanted[0])) != Units::npos) {
+  while ((i = FindCharacter(units, i, first)) != Units::npos) {
     const std::size_t at = i;
     utf::NextChar(units, i);
-    std::size_t matched = 1;
+    std::size_t j = afterFirst;
     // The character that differs is consumed with the candidate: there is no
     // backtracking, so "ab" is not found in "aab". Callers rely on this one
     // pass. A candidate cut short by the end of the text stays as it is.
-    while (matched < wanted.size() && i < units.size() && utf::NextChar(units, i) == wanted[matched]) ++matched;
-    if (matched < wanted.size()) continue;
+    while (j < find.size() && i < units.size()) {
+      std::size_t next = j;
+      if (utf::NextChar(units, i) != utf::NextChar(find, next)) break;
+      j = next;
+    }
+    if (j < find.size()) continue;
     if (!replaced) out.reserve(out.size() + units.size());
     out.append(units.substr(copied, at - copied)).append(replacement);
     copied = i;

@@ -92,7 +92,9 @@ void AppendSplit(std::u16string_view units, std::u16string_view sep, bool second
   const int separators = CountItemUnits(units, sep);
   // GetItemUnicode's items in one pass: split at non-overlapping occurrences,
   // and an item number past the end gives the last item.
-  std::vector<std::u16string_view> items;
+  // Reused from call to call: records are split by the million.
+  thread_local std::vector<std::u16string_view> items;
+  items.clear();
   std::size_t from = 0;
   for (std::size_t at; !sep.empty() && (at = utf::FindAtCharBoundaries(units, sep, from)) != std::u16string_view::npos;) {
     items.push_back(units.substr(from, at - from));

@@ -83,6 +83,15 @@ TEST_F(SqlFailures, WrongPassword) {
   ASSERT_EQ(alerts.alerts, std::vector<std::string>{"NOT CONNECTED TO BASE"});
 }
 
+TEST_F(SqlFailures, LongNamesAreRefusedByTheServerNotByABuffer) {
+  const PMString longName(std::string(1000, 'x'));
+  WideString result("untouched");
+  EXPECT_EQ(fetchDatabaseListSQL(host, port, longName, longName, result), 1);
+  EXPECT_EQ(fetchTableListSQL(host, port, user, password, longName, result), 1);
+  EXPECT_EQ(fetchColumnListSQL(host, port, user, password, database, longName, "", result), 1);
+  EXPECT_EQ(result.ToUTF8(), "untouched");
+}
+
 TEST_F(SqlFailures, UnknownTableShowsTheServersMessage) {
   WideString result("untouched");
   EXPECT_EQ(fetchColumnListSQL(host, port, user, password, database, "missing", "", result), 1);

@@ -64,6 +64,13 @@ bool MySqlSession::Connect(const PMString& host, int port, const PMString& user,
                             OrNull(databaseBytes), static_cast<unsigned>(port), socket, flags) != nullptr;
 }
 
+bool MySqlSession::InitAndConnect(const PMString& host, int port, const PMString& user, const PMString& password,
+                                  const PMString& database, const char* socket, unsigned long flags) {
+  if (Init() && Connect(host, port, user, password, database, socket, flags)) return true;
+  Close();
+  return false;
+}
+
 void MySqlSession::Prepare() {
   MYSQL* handle = Current();
   if (handle == nullptr) return;

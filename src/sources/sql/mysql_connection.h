@@ -52,6 +52,10 @@ class MySqlSession {
   // none. False on failure; ErrorText() then says why.
   bool Connect(const PMString& host, int port, const PMString& user, const PMString& password,
                const PMString& database, const char* socket = nullptr, unsigned long flags = 0);
+  // The second initialisation and the connect that most operations make; the
+  // handle is closed again when either fails (then false).
+  bool InitAndConnect(const PMString& host, int port, const PMString& user, const PMString& password,
+                      const PMString& database, const char* socket = nullptr, unsigned long flags = 0);
   // Sends the three character-set statements; their results are not read.
   void Prepare();
   // Runs a statement given as its UTF-8 bytes; false when the server rejects

@@ -25,9 +25,8 @@ int fetchDatabaseListSQL(const PMString& host, int port, const PMString& user, c
                          WideString& result) {
   sql::MySqlSession session;
   if (!session.Init()) return 1;
-  if (!session.Init() || !session.Connect(host, port, user, password, PMString())) {
+  if (!session.InitAndConnect(host, port, user, password, PMString())) {
     CAlert::InformationAlert("NOT CONNECTED TO BASE");
-    session.Close();
     return 1;
   }
   session.Prepare();
@@ -65,11 +64,8 @@ int fetchColumnListSQL(const PMString& host, int port, const PMString& user, con
   // The table name goes into the socket slot; over the network the client
   // library does not use it.
   const std::string tableBytes = table.GrabCString();
-  if (!session.Init() ||
-      !session.Connect(host, port, user, password, database, tableBytes.c_str(), sql::kLongPasswordAndLongFlag)) {
-    session.Close();
-    return 0;
-  }
+  if (!session.InitAndConnect(host, port, user, password, database, tableBytes.c_str(),
+                              sql::kLongPasswordAndLongFlag)) return 0;
   session.Prepare();
   sql::Result fields;
   if (isStatement) {
@@ -91,10 +87,7 @@ int ConnectWithInfoSQL(const WideString& statement, const PMString& host, int po
                        const PMString& password, const PMString& database, const PMString& /*extra*/) {
   sql::MySqlSession session;
   if (!session.Init()) return 1;
-  if (!session.Init() || !session.Connect(host, port, user, password, database)) {
-    session.Close();
-    return 0;
-  }
+  if (!session.InitAndConnect(host, port, user, password, database)) return 0;
   session.Prepare();
   session.Query(statement.ToUTF8());
   // The message of a failing statement is shown twice: once after running it

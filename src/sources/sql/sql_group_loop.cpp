@@ -25,10 +25,7 @@ int fetchRecordGroupLoopSQL(const PMString& host, int port, const PMString& user
   std::string statement = search.GrabCString();
   if (!statement.starts_with("SELECT ")) statement = "SELECT * FROM " + table.GrabCString() + statement;
   if (!session.Init()) return 1;
-  if (!session.Init() || !session.Connect(host, port, user, password, database)) {
-    session.Close();
-    return 0;
-  }
+  if (!session.InitAndConnect(host, port, user, password, database)) return 0;
   session.Prepare();
   session.Query(statement);
   if (session.ErrorNumber() != 0) return 1;

@@ -81,10 +81,7 @@ int fetchRecordListSQL(const PMString& host, int port, const PMString& user, con
   PMString condition = search;
   CreateSearchString(host, port, user, password, database, table, condition);
   if (!session.Init()) return 1;
-  if (!session.Init() || !session.Connect(host, port, user, password, database)) {
-    session.Close();
-    return 0;
-  }
+  if (!session.InitAndConnect(host, port, user, password, database)) return 0;
   session.Prepare();
   const std::string sort = sortField.GrabCString();
   std::string statement = "SELECT " + shownField.GrabCString() + "," + sort + " FROM " + table.GrabCString();
@@ -112,9 +109,8 @@ int fetchRecordLoopSQL(const PMString& host, int port, const PMString& user, con
   sql::MySqlSession session;
   const std::string statement = "SELECT * FROM " + table.GrabCString() + " " + condition.GrabCString();
   if (!session.Init()) return 1;
-  if (!session.Init() || !session.Connect(host, port, user, password, database)) {
+  if (!session.InitAndConnect(host, port, user, password, database)) {
     result = WideString();
-    session.Close();
     return 0;
   }
   session.Prepare();
@@ -147,10 +143,7 @@ int fetchSpecificRecordSQL(const PMString& host, int port, const PMString& user,
                            const WideString& styling, WideString& result) {
   sql::MySqlSession session;
   if (!session.Init()) return 1;
-  if (!session.Init() || !session.Connect(host, port, user, password, database)) {
-    session.Close();
-    return 0;
-  }
+  if (!session.InitAndConnect(host, port, user, password, database)) return 0;
   const sql::Result fields = session.ListFields(table);
   WideString header = WideString::FromUTF8(sql::FieldNamesList(fields.get()));
   const long groupPosition = sql::FieldPosition(fields.get(), groupField);

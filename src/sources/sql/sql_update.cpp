@@ -12,10 +12,7 @@ int updateBaseFieldWithInfoSQL(const WideString& value, const PMString& field, c
                                const PMString& database, const PMString& table, const PMString& keyField) {
   sql::MySqlSession session;
   if (!session.Init()) return 1;
-  if (!session.Init() || !session.Connect(host, port, user, password, database)) {
-    session.Close();
-    return 0;
-  }
+  if (!session.InitAndConnect(host, port, user, password, database)) return 0;
   session.Prepare();
   // The value is quoted, the key is not: keys are numbers, and a text key
   // arrives with its own quotes. Neither is escaped.

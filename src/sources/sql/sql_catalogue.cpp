@@ -65,7 +65,9 @@ int fetchColumnListSQL(const PMString& host, int port, const PMString& user, con
   // library does not use it.
   const std::string tableBytes = table.GrabCString();
   if (!session.InitAndConnect(host, port, user, password, database, tableBytes.c_str(),
-                              sql::kLongPasswordAndLongFlag)) return 0;
+                              sql::kLongPasswordAndLongFlag)) {
+    return 0;
+  }
   session.Prepare();
   sql::Result fields;
   if (isStatement) {

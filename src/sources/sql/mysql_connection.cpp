@@ -13,6 +13,11 @@ namespace {
 // answers does not hang the caller for minutes.
 constexpr unsigned kConnectTimeoutSeconds = 10;
 
+// Table names longer than this never reach the client library, and the
+// server's error number for a name it cannot take.
+constexpr std::size_t kLongestTableName = 256;
+constexpr unsigned kWrongTableName = 1103;
+
 std::recursive_mutex& OperationMutex() {
   static std::recursive_mutex mutex;
   return mutex;
@@ -80,23 +85,39 @@ void MySqlSession::Prepare() {
 }
 
 bool MySqlSession::Query(std::string_view statement) {
+  refusal_.clear();
   return Current() != nullptr && mysql_real_query(Current(), statement.data(), statement.size()) == 0;
 }
 
 Result MySqlSession::StoreResult() { return Result(Current() ? mysql_store_result(Current()) : nullptr); }
 
 Result MySqlSession::ListFields(const PMString& table) {
+  refusal_.clear();
   if (Current() == nullptr) return nullptr;
-  return Result(mysql_list_fields(Current(), table.GrabCString().c_str(), nullptr));
+  const std::string name = table.GrabCString();
+  // The client library copies the name into a buffer of its own that longer
+  // names overrun. No table is named like that (the server allows 64
+  // characters), so the name is refused here in the server's own words.
+  if (name.size() > kLongestTableName) {
+    refusal_ = "Incorrect table name '" + name + "'";
+    return nullptr;
+  }
+  return Result(mysql_list_fields(Current(), name.c_str(), nullptr));
 }
 
 Result MySqlSession::ListDatabases() { return Result(Current() ? mysql_list_dbs(Current(), nullptr) : nullptr); }
 
 Result MySqlSession::ListTables() { return Result(Current() ? mysql_list_tables(Current(), nullptr) : nullptr); }
 
-unsigned MySqlSession::ErrorNumber() const { return Current() ? mysql_errno(Current()) : 0; }
+unsigned MySqlSession::ErrorNumber() const {
+  if (!refusal_.empty()) return kWrongTableName;
+  return Current() ? mysql_errno(Current()) : 0;
+}
 
-std::string MySqlSession::ErrorText() const { return Current() ? mysql_error(Current()) : ""; }
+std::string MySqlSession::ErrorText() const {
+  if (!refusal_.empty()) return refusal_;
+  return Current() ? mysql_error(Current()) : "";
+}
 
 void MySqlSession::Close() {
   if (!handles_.empty()) handles_.back().reset();

@@ -82,6 +82,7 @@ class MySqlSession {
 
   std::unique_lock<std::recursive_mutex> lock_;
   std::vector<Handle> handles_;  // the current one is last; null once closed
+  std::string refusal_;          // the error of a command refused before the library saw it
 };
 
 // The bytes of field i of row, whole (NUL bytes included); empty for SQL NULL.

@@ -2,7 +2,6 @@
 // the same group value folded into one line (see GroupRuns).
 #include <string>
 
-#include "host/utf.h"
 #include "sources/sql/mysql_connection.h"
 #include "sources/sql/sql_base.h"
 #include "sources/sql/sql_rows.h"
@@ -46,15 +45,7 @@ int fetchRecordGroupLoopSQL(const PMString& host, int port, const PMString& user
   std::u16string record;
   std::u16string entry;
   sql::ForEachRow(rows.get(), [&](MYSQL_ROW row, const unsigned long* lengths) {
-    // Every field ends with a TAB, as in the record loop, so that computed
-    // fields line up after the last one.
-    bytes.clear();
-    for (unsigned i = 0, n = mysql_num_fields(rows.get()); i < n; ++i) {
-      sql::AppendProtected(bytes, sql::FieldBytes(row, lengths, i));
-      bytes.push_back('\t');
-    }
-    record.clear();
-    utf::DecodeUTF8(bytes, record);
+    sql::LoopRecord(rows.get(), row, lengths, bytes, record);
     const auto& recordFields = restyle.RestyleInLoop(header, record);
     if (!grouping) {
       out.append(record).push_back(kCR);

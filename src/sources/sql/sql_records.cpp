@@ -48,13 +48,7 @@ std::u16string GroupText(MYSQL_RES* rows, const WideString& header, const WideSt
   std::u16string record;
   long count = 0;
   sql::ForEachRow(rows, [&](MYSQL_ROW row, const unsigned long* lengths) {
-    bytes.clear();
-    for (unsigned i = 0, n = mysql_num_fields(rows); i < n; ++i) {
-      sql::AppendProtected(bytes, sql::FieldBytes(row, lengths, i));
-      bytes.push_back('\t');
-    }
-    record.clear();
-    utf::DecodeUTF8(bytes, record);
+    sql::LoopRecord(rows, row, lengths, bytes, record);
     const auto& fields = restyle.RestyleInLoop(header, record);
     if (count > 0) text.append(u"<br>");
     text.append(count % 2 == 0 ? u"<pstyle:LineLight>" : u"<pstyle:LineDark>");

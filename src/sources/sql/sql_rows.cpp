@@ -1,5 +1,8 @@
 #include "sources/sql/sql_rows.h"
 
+#include "host/utf.h"
+#include "sources/sql/mysql_connection.h"
+
 namespace talp::sql {
 
 void AppendProtected(std::string& out, std::string_view value) {
@@ -10,6 +13,17 @@ void AppendProtected(std::string& out, std::string_view value) {
     value.remove_prefix(special + 1);
   }
   out.append(value);
+}
+
+void LoopRecord(MYSQL_RES* result, MYSQL_ROW row, const unsigned long* lengths, std::string& bytes,
+                std::u16string& record) {
+  bytes.clear();
+  for (unsigned i = 0, n = mysql_num_fields(result); i < n; ++i) {
+    AppendProtected(bytes, FieldBytes(row, lengths, i));
+    bytes.push_back('\t');
+  }
+  record.clear();
+  utf::DecodeUTF8(bytes, record);
 }
 
 long FieldPosition(MYSQL_RES* result, const PMString& name) {

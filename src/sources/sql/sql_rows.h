@@ -16,6 +16,12 @@ namespace talp::sql {
 // that it can stand in a TAB- or CR-separated text.
 void AppendProtected(std::string& out, std::string_view value);
 
+// Replaces record with row as a loop record: every value protected, every
+// field followed by a TAB (so that computed fields line up after the last),
+// decoded from UTF-8. bytes is scratch space reused from row to row.
+void LoopRecord(MYSQL_RES* result, MYSQL_ROW row, const unsigned long* lengths, std::string& bytes,
+                std::u16string& record);
+
 // The position (0-based) of the field of result named name, or -1.
 long FieldPosition(MYSQL_RES* result, const PMString& name);
 

@@ -127,12 +127,7 @@ std::size_t IncompleteUTF8Tail(std::string_view bytes) {
   return 0;
 }
 
-void EncodeUTF8(std::u16string_view units, std::string& out) {
-  // At most three bytes a unit (a pair of units takes four): size once,
-  // write through a pointer, trim.
-  const std::size_t start = out.size();
-  out.resize(start + units.size() * 3);
-  char* const first = out.data() + start;
+std::size_t EncodeUTF8To(std::u16string_view units, char* const first) {
   char* dest = first;
   std::size_t i = 0;
   while (i < units.size()) {
@@ -148,7 +143,14 @@ void EncodeUTF8(std::u16string_view units, std::string& out) {
     AppendUTF8(encoded, NextChar(units, i));
     for (const char byte : encoded) *dest++ = byte;
   }
-  out.resize(start + static_cast<std::size_t>(dest - first));
+  return static_cast<std::size_t>(dest - first);
+}
+
+void EncodeUTF8(std::u16string_view units, std::string& out) {
+  // Sized once for the longest encoding, written through a pointer, trimmed.
+  const std::size_t start = out.size();
+  out.resize(start + units.size() * kMaxUTF8PerUnit);
+  out.resize(start + EncodeUTF8To(units, out.data() + start));
 }
 
 }  // namespace talp::utf

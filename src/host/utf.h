@@ -62,5 +62,9 @@ std::size_t IncompleteUTF8Tail(std::string_view bytes);
 
 // Encodes UTF-16 as UTF-8, appending to out.
 void EncodeUTF8(std::u16string_view units, std::string& out);
+// The same into dest, which must hold kMaxUTF8PerUnit bytes for each unit;
+// returns the number of bytes written.
+inline constexpr std::size_t kMaxUTF8PerUnit = 3;  // a pair of units takes four
+std::size_t EncodeUTF8To(std::u16string_view units, char* dest);
 
 }  // namespace talp::utf

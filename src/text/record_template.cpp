@@ -53,13 +53,19 @@ RecordTemplate::RecordTemplate(std::u16string_view pattern, std::u16string_view 
   if (!piece.literal.empty()) pieces_.push_back(std::move(piece));
 }
 
+namespace {
+
+// Only "&" and "<" can start an entity or a marker.
+bool NeedsDecoding(std::u16string_view value) { return host::FindUnit(value, 0, u'&', u'<') != host::kNotFound; }
+
+}  // namespace
+
 void RecordTemplate::Fill(const std::vector<std::u16string_view>& values, std::u16string& out) const {
   for (const Piece& piece : pieces_) {
     out.append(piece.literal);
     if (piece.field < 0 || static_cast<std::size_t>(piece.field) >= values.size()) continue;
     const std::u16string_view value = values[static_cast<std::size_t>(piece.field)];
-    // Only "&" and "<" can start an entity or a marker.
-    if (host::FindUnit(value, 0, u'&', u'<') == host::kNotFound) {
+    if (!NeedsDecoding(value)) {
       out.append(value);
     } else {
       WideString decoded = WideString::FromUTF16(value);
@@ -67,6 +73,18 @@ void RecordTemplate::Fill(const std::vector<std::u16string_view>& values, std::u
       out.append(decoded.Units());
     }
   }
+}
+
+std::u16string_view RecordTemplate::Filled(const std::vector<std::u16string_view>& values,
+                                          std::u16string& scratch) const {
+  if (pieces_.size() == 1 && pieces_[0].literal.empty() && pieces_[0].field >= 0) {
+    const auto field = static_cast<std::size_t>(pieces_[0].field);
+    if (field >= values.size()) return {};
+    if (!NeedsDecoding(values[field])) return values[field];
+  }
+  scratch.clear();
+  Fill(values, scratch);
+  return scratch;
 }
 
 void RecordTemplate::AppendKey(const std::vector<std::u16string_view>& values, std::u16string& key) const {

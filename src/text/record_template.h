@@ -22,6 +22,10 @@ class RecordTemplate {
   // Appends the template filled from values, the record's fields in the
   // order of the names (missing ones are empty).
   void Fill(const std::vector<std::u16string_view>& values, std::u16string& out) const;
+  // The filled template: the value itself when the template is one
+  // placeholder and the value needs no decoding, else scratch (cleared and
+  // filled). Valid while the value and scratch are.
+  std::u16string_view Filled(const std::vector<std::u16string_view>& values, std::u16string& scratch) const;
   // Appends to key the values the template refers to, each with its length:
   // equal keys give equal fills.
   void AppendKey(const std::vector<std::u16string_view>& values, std::u16string& key) const;

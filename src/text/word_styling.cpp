@@ -89,7 +89,6 @@ double Calculate(std::u16string_view info, char16_t decimal) {
 // last item is joined without its separator. Both quirks are kept.
 void AppendSplit(std::u16string_view units, std::u16string_view sep, bool secondPart, std::int64_t k,
                  std::u16string& out) {
-  const int separators = CountItemUnits(units, sep);
   // GetItemUnicode's items in one pass: split at non-overlapping occurrences,
   // and an item number past the end gives the last item.
   // Reused from call to call: records are split by the million.
@@ -101,6 +100,11 @@ void AppendSplit(std::u16string_view units, std::u16string_view sep, bool second
     from = at + sep.size();
   }
   items.push_back(units.substr(from));
+  // Occurrences are counted overlapping, which only a separator of several
+  // units can do.
+  const int separators = sep.size() == 1 && !utf::IsSurrogate(sep[0])
+                             ? static_cast<int>(std::min<std::size_t>(items.size() - 1, INT_MAX))
+                             : CountItemUnits(units, sep);
   bool empty = true;
   for (int i = 0; i < separators; ++i) {
     if ((i < k) == secondPart) continue;
@@ -267,9 +271,7 @@ void WordStyling::Apply(const WideString& header, WideString& record) {
 const std::vector<std::u16string_view>& WordStyling::RestyleInLoop(const WideString& header,
                                                                    std::u16string& record) {
   if (document_) {
-    ApplyDocument(header, record);
-    // The fields found while restyling stay valid: only separators change.
-    host::ReplaceUnit(record, kCR, kTab);
+    Restyle(header, record, kTab, nullptr);
     return fields_;
   }
   WideString cleaned(std::move(record));
@@ -286,10 +288,8 @@ std::u16string_view WordStyling::Compute(std::size_t n) {
   const Process& process = processes_[n];
   const bool remembered = process.kind == Process::Type::kExif || process.kind == Process::Type::kExfm;
   value_.clear();
-  filled_.clear();
   if (!remembered) {
-    infos_[n].Fill(fields_, filled_);
-    ComputeValue(process, filled_, decimal_, value_);
+    ComputeValue(process, infos_[n].Filled(fields_, filled_), decimal_, value_);
     return value_;
   }
   // The key is the values the information refers to, far shorter than the
@@ -300,34 +300,30 @@ std::u16string_view WordStyling::Compute(std::size_t n) {
   if (const auto found = memo.find(key_); found != memo.end()) return found->second;
   constexpr std::size_t kMaxRemembered = 1 << 14;
   if (memo.size() >= kMaxRemembered) memo.clear();
-  infos_[n].Fill(fields_, filled_);
-  ComputeValue(process, filled_, decimal_, value_);
+  ComputeValue(process, infos_[n].Filled(fields_, filled_), decimal_, value_);
   return memo.emplace(key_, value_).first->second;
 }
 
 void WordStyling::ApplyDocument(const WideString& header, std::u16string& text,
                                 std::vector<std::u16string>* values) {
-  host::ReplaceUnit(text, kTab, kCR);
-  if (processes_.empty()) {
-    SplitFieldsInto(text, kCR, fields_);
-    return;
-  }
-  const std::u16string_view bound = boundHeader_.Units(), wanted = header.Units();
-  if (!bound_ || bound.size() != wanted.size() ||
-      std::memcmp(bound.data(), wanted.data(), wanted.size() * sizeof(char16_t)) != 0) {
-    Bind(header);
-  }
-  // The fields are found once and then followed as values are appended: the
-  // last field always runs to the end of the text, and a CR (also one inside
-  // a value) starts a new one.
+  Restyle(header, text, kCR, values);
+}
+
+// The fields are found once and then followed as values are appended: TABs
+// and CRs of the record, and CRs inside appended values, separate fields and
+// are written as separator; TABs inside values are kept as they are.
+void WordStyling::Restyle(const WideString& header, std::u16string& text, char16_t separator,
+                          std::vector<std::u16string>* values) {
   spans_.assign(1, {0, 0});
-  const auto followFrom = [&](std::size_t from) {
-    for (std::size_t at = from; (at = host::FindUnit(text, at, kCR, kCR)) != host::kNotFound; ++at) {
-      spans_.back().second = at - spans_.back().first;
-      spans_.emplace_back(at + 1, 0);
-    }
-    spans_.back().second = text.size() - spans_.back().first;
+  const auto closeFieldAt = [&](std::size_t at) {
+    spans_.back().second = at - spans_.back().first;
+    spans_.emplace_back(at + 1, 0);
   };
+  for (std::size_t at = 0; (at = host::FindUnit(text, at, kTab, kCR)) != host::kNotFound; ++at) {
+    text[at] = separator;
+    closeFieldAt(at);
+  }
+  spans_.back().second = text.size() - spans_.back().first;
   // The views stay valid while the text keeps its memory; then only the last
   // field and the new ones change when a value is appended.
   const auto viewFrom = [&](std::size_t first) {
@@ -336,18 +332,27 @@ void WordStyling::ApplyDocument(const WideString& header, std::u16string& text,
       fields_.push_back(std::u16string_view(text).substr(spans_[i].first, spans_[i].second));
     }
   };
-  followFrom(0);
   viewFrom(0);
+  if (processes_.empty()) return;
+  const std::u16string_view bound = boundHeader_.Units(), wanted = header.Units();
+  if (!bound_ || bound.size() != wanted.size() ||
+      std::memcmp(bound.data(), wanted.data(), wanted.size() * sizeof(char16_t)) != 0) {
+    Bind(header);
+  }
   // Each process sees the record with the values computed before it.
   for (std::size_t n = 0; n < processes_.size(); ++n) {
-    const std::size_t end = text.size();
-    const std::u16string_view value = Compute(n);
+    std::u16string_view value = Compute(n);
     if (values != nullptr) values->emplace_back(value);
     const char16_t* before = text.data();
     const std::size_t lastField = spans_.size() - 1;
+    for (std::size_t at; (at = host::FindUnit(value, 0, kCR, kCR)) != host::kNotFound; value.remove_prefix(at + 1)) {
+      text.append(value.substr(0, at));
+      closeFieldAt(text.size());
+      text.push_back(separator);
+    }
     text.append(value);
-    text.push_back(kCR);
-    followFrom(end);
+    closeFieldAt(text.size());
+    text.push_back(separator);
     viewFrom(text.data() == before ? lastField : 0);
   }
 }

@@ -48,15 +48,16 @@ class WordStyling {
   // computed ones included. Returns the record's fields as views into it,
   // valid until it changes.
   const std::vector<std::u16string_view>& RestyleInLoop(const WideString& header, std::u16string& record);
-  // The fields of the record last restyled by ApplyDocument, as views into
-  // it; valid until that record is changed other than by swapping CRs and
-  // TABs in place.
-  const std::vector<std::u16string_view>& LastFields() const { return fields_; }
 
   struct Process;
 
  private:
   void Bind(const WideString& header);
+  // Restyles a record whose fields are separated by TABs or CRs into one
+  // whose fields, computed ones included, are separated by separator, and
+  // finds its fields.
+  void Restyle(const WideString& header, std::u16string& record, char16_t separator,
+               std::vector<std::u16string>* values);
   // The value of process n for the information in filled_.
   std::u16string_view Compute(std::size_t n);
 

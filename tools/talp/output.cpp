@@ -1,6 +1,7 @@
 #include "output.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,13 +50,13 @@ void WritePretty(const WideString& result, std::ostream& out) {
 // Encodes and writes a mebibyte of text at a time, never splitting a pair.
 void WriteUTF8(std::u16string_view units, std::ostream& out) {
   constexpr std::size_t kPiece = std::size_t{1} << 20;
-  std::string bytes;
+  // Left uninitialised: every byte written out is encoded first.
+  const auto bytes = std::make_unique_for_overwrite<char[]>(kPiece * talp::utf::kMaxUTF8PerUnit);
   while (!units.empty()) {
     std::size_t take = std::min(kPiece, units.size());
     if (take < units.size() && take > 0 && (units[take - 1] & 0xFC00) == 0xD800) --take;
-    bytes.clear();
-    talp::utf::EncodeUTF8(units.substr(0, take), bytes);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    const std::size_t written = talp::utf::EncodeUTF8To(units.substr(0, take), bytes.get());
+    out.write(bytes.get(), static_cast<std::streamsize>(written));
     units.remove_prefix(take);
   }
 }

@@ -11,6 +11,7 @@ class SqlRecords : public test::MySqlTest {
  protected:
   void SetUp() override {
     MySqlTest::SetUp();
+    if (HasFatalFailure()) return;  // no server: the failure says why
     Exec(
         "CREATE TABLE goods (id INT PRIMARY KEY, name TEXT, cat TEXT, note TEXT);"
         "INSERT INTO goods VALUES (1, 'Hammer', 'tools', NULL), (2, 'Drill', 'tools', 'two\\r\\nlines'),"

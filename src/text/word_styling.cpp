@@ -242,6 +242,11 @@ WordStyling::WordStyling(const WideString& styling) : document_(isXMLFile(stylin
 
 WordStyling::~WordStyling() = default;
 
+bool WordStyling::RunsScripts() const {
+  return std::any_of(processes_.begin(), processes_.end(),
+                     [](const Process& process) { return process.kind == Process::Type::kScript; });
+}
+
 void WordStyling::AppendNames(WideString& header) const {
   for (const Process& process : processes_) {
     header.Append(process.outputField);

@@ -36,6 +36,10 @@ class WordStyling {
   WordStyling& operator=(const WordStyling&) = delete;
 
   bool IsDocument() const { return document_; }
+  // Whether a process runs a script: scripts run one at a time, on the
+  // host's thread. Otherwise separate instances may restyle on separate
+  // threads.
+  bool RunsScripts() const;
   void AppendNames(WideString& header) const;
   void Apply(const WideString& header, WideString& record);
   // Apply for a styling document, on the record's units: TABs become CRs and

@@ -13,8 +13,8 @@
 #include "text/group_runs.h"
 #include "text/item_cursor.h"
 #include "text/record_template.h"
+#include "text/restyle_pipeline.h"
 #include "text/text_handlers.h"
-#include "text/word_styling.h"
 
 namespace talp {
 
@@ -31,7 +31,7 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
   host::ReplaceUnit(names, kTab, kCR);
   const WideString header(std::move(names));
   RecordFilter filter(WideString(query), header);
-  WordStyling restyle(styling);
+  RestylePipeline restyle(styling);
   const RecordTemplate entryTemplate(groupContents.AsWide().Units(), header.Units());
 
   std::u16string out;
@@ -40,28 +40,32 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
   out.reserve(result.NumUTF16TextChars() + static_cast<std::size_t>(lines.FileSize()) * 4);
   out.append(result.Units());
   GroupRuns runs(out);
-  std::u16string entry;
-  std::u16string record;
-  for (std::size_t i = 2; lines.Next(line); ++i) {
-    if (i % (1 << 16) == 0) host::Host().Progress("records", lines.BytesRead(), lines.FileSize());
+  std::size_t lineNumber = 1;
+  const auto read = [&](std::u16string& record) {
+    if (!lines.Next(line)) return false;
+    if (++lineNumber % (1 << 16) == 0) host::Host().Progress("records", lines.BytesRead(), lines.FileSize());
     // Lines that ended with a CR end with a TAB here, like the last field.
     record.assign(line);
     if (lines.LastEndedWithCR()) record.push_back(kTab);
-    const std::vector<std::u16string_view>& recordFields = restyle.RestyleInLoop(header, record);
-    if (!query.IsEmpty() && !filter.Includes(record)) continue;
+    return true;
+  };
+  std::u16string entry;
+  const auto add = [&](const RestylePipeline::Record& record) {
+    if (!query.IsEmpty() && !filter.Includes(record.text)) return;
     if (!grouping) {
-      out.append(record);
+      out.append(record.text);
       out.push_back(kCR);
-      continue;
+      return;
     }
     const std::u16string_view groupValue =
-        groupColumn >= 1 && static_cast<std::size_t>(groupColumn) <= recordFields.size()
-            ? recordFields[static_cast<std::size_t>(groupColumn) - 1]
+        groupColumn >= 1 && static_cast<std::size_t>(groupColumn) <= record.fields.size()
+            ? record.fields[static_cast<std::size_t>(groupColumn) - 1]
             : std::u16string_view();
     entry.clear();
-    entryTemplate.Fill(recordFields, entry);
-    runs.Add(record, groupValue, entry);
-  }
+    entryTemplate.Fill(record.fields, entry);
+    runs.Add(record.text, groupValue, entry);
+  };
+  restyle.Run(header, read, add);
   if (grouping) runs.Finish();
   result = WideString(std::move(out));
   return 0;

@@ -1,0 +1,117 @@
+#include "text/restyle_pipeline.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "test_host.h"
+#include "text/word_styling.h"
+
+namespace talp {
+namespace {
+
+const WideString kHeader("sku\rstock\rnote");
+// A remembered conditional, a computed field that the next one reads, and a
+// value whose decoded markers hold a CR (a new field) and a TAB (kept).
+const WideString kStyling(
+    "<?xml version=\"1.0\"?><Styling>"
+    "<Process><OutputField>state</OutputField><ProcessType>Exif</ProcessType>"
+    "<ProcessInfo><EXIF>'[stock]'=='0','out','in'</EXIF></ProcessInfo></Process>"
+    "<Process><OutputField>label</OutputField><ProcessType>Concatenate</ProcessType>"
+    "<ProcessInfo>[sku]-[note]</ProcessInfo></Process>"
+    "</Styling>");
+
+std::u16string RecordNumber(int n) {
+  const std::string note = n % 7 == 0 ? "a&lt;br&gt;b&lt;tb&gt;c" : "plain";
+  return std::u16string(WideString(std::to_string(n) + "\t" + std::to_string(n % 3) + "\t" + note + "\t").Units());
+}
+
+std::vector<std::u16string> Expected(int count) {
+  WordStyling styling(kStyling);
+  std::vector<std::u16string> records;
+  for (int n = 0; n < count; ++n) {
+    std::u16string record = RecordNumber(n);
+    std::u16string fields;
+    for (const std::u16string_view field : styling.RestyleInLoop(kHeader, record)) fields.append(field).append(u"|");
+    records.push_back(record + u"#" + fields);
+  }
+  return records;
+}
+
+std::vector<std::u16string> Piped(int count, unsigned threads, std::size_t batchSize) {
+  RestylePipeline pipeline(kStyling, threads, batchSize);
+  std::vector<std::u16string> records;
+  int n = 0;
+  pipeline.Run(
+      kHeader,
+      [&](std::u16string& record) {
+        if (n == count) return false;
+        record = RecordNumber(n++);
+        return true;
+      },
+      [&](const RestylePipeline::Record& record) {
+        std::u16string fields;
+        for (const std::u16string_view field : record.fields) fields.append(field).append(u"|");
+        records.push_back(record.text + u"#" + fields);
+      });
+  return records;
+}
+
+struct PipelineCase {
+  int records;
+  unsigned threads;
+  std::size_t batchSize;
+};
+
+class RestylePipelineOrder : public testing::TestWithParam<PipelineCase> {};
+
+TEST_P(RestylePipelineOrder, GivesEveryRecordInOrderAsOneStylingWould) {
+  test::TestHost host;
+  const PipelineCase c = GetParam();
+  EXPECT_EQ(Piped(c.records, c.threads, c.batchSize), Expected(c.records));
+}
+
+INSTANTIATE_TEST_SUITE_P(Batches, RestylePipelineOrder,
+                         testing::Values(PipelineCase{0, 4, 3}, PipelineCase{1, 4, 3}, PipelineCase{3, 2, 3},
+                                         PipelineCase{100, 1, 7}, PipelineCase{100, 4, 1},
+                                         PipelineCase{1000, 3, 16}, PipelineCase{5000, 0, 4096}));
+
+TEST(RestylePipeline, AFailingConsumerEndsTheRunAfterTheWorkers) {
+  test::TestHost host;
+  RestylePipeline pipeline(kStyling, 4, 2);
+  int read = 0, consumed = 0;
+  const auto run = [&] {
+    pipeline.Run(
+        kHeader,
+        [&](std::u16string& record) {
+          record = RecordNumber(read);
+          return ++read < 1000;
+        },
+        [&](const RestylePipeline::Record&) {
+          if (++consumed == 5) throw std::runtime_error("full");
+        });
+  };
+  EXPECT_THROW(run(), std::runtime_error);
+  EXPECT_EQ(consumed, 5);
+  EXPECT_LT(read, 1000);  // reading stopped with the consumer
+}
+
+TEST(WordStyling, RestylingInALoopGivesTheDocumentsFieldsInTabForm) {
+  WordStyling styling(kStyling);
+  std::u16string loop = RecordNumber(7);
+  const std::vector<std::u16string_view> fields = styling.RestyleInLoop(kHeader, loop);
+  std::u16string document = RecordNumber(7);
+  styling.ApplyDocument(kHeader, document);
+  for (char16_t& unit : document) {
+    if (unit == u'\r') unit = u'\t';
+  }
+  EXPECT_EQ(loop, document);
+  // The CR of the label starts a field; its TAB stays inside one.
+  EXPECT_EQ(fields, (std::vector<std::u16string_view>{u"7", u"1", u"a&lt;br&gt;b&lt;tb&gt;c", u"in", u"7-a",
+                                                      u"b\tc", u""}));
+}
+
+}  // namespace
+}  // namespace talp

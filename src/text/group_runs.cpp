@@ -26,7 +26,7 @@ void GroupRuns::Finish() { CloseRun(); }
 
 void GroupRuns::CloseRun() {
   out_.push_back(kTab);
-  out_.append(GetNumberAsWideString(runCount_ + 1).Units());
+  AppendNumber(runCount_ + 1, out_);
 }
 
 }  // namespace talp

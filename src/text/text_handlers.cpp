@@ -115,9 +115,15 @@ unsigned int CountNumber(const PMString& text, PlatformChar c) {
 }
 
 WideString GetNumberAsWideString(long number) {
+  std::u16string text;
+  AppendNumber(number, text);
+  return WideString(std::move(text));
+}
+
+void AppendNumber(long number, std::u16string& out) {
   char digits[24];
   const auto result = std::to_chars(digits, digits + sizeof digits, number);
-  return WideString(std::string_view(digits, static_cast<std::size_t>(result.ptr - digits)));
+  out.append(digits, result.ptr);
 }
 
 int CountUnicodeLines(const WideString& text) {

@@ -35,6 +35,8 @@ unsigned int CountNumber(const PMString& text, PlatformChar c);
 
 // Signed decimal digits of number, without grouping or padding.
 WideString GetNumberAsWideString(long number);
+// The same digits, appended to out.
+void AppendNumber(long number, std::u16string& out);
 
 // Lines of text: CRs counted, plus one when text follows the last CR, where a
 // text without CR counts its "last CR" at position 0 (so "a" has 0 lines).

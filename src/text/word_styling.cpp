@@ -142,7 +142,7 @@ std::size_t CharCount(std::u16string_view units) {
 }
 
 void AppendCount(std::size_t n, std::u16string& out) {
-  out.append(GetNumberAsWideString(static_cast<long>(std::min<std::size_t>(n, INT32_MAX))).Units());
+  AppendNumber(static_cast<long>(std::min<std::size_t>(n, INT32_MAX)), out);
 }
 
 // Appends the value of process p for its filled information to out.

@@ -60,7 +60,7 @@ std::u16string GroupText(MYSQL_RES* rows, const WideString& header, const WideSt
     ++count;
   });
   text.push_back(kCR);
-  text.append(GetNumberAsWideString(count).Units());
+  AppendNumber(count, text);
   text.push_back(kCR);
   return text;
 }

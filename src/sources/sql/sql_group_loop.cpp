@@ -7,6 +7,7 @@
 #include "sources/sql/sql_rows.h"
 #include "text/group_runs.h"
 #include "text/record_template.h"
+#include "text/restyle_pipeline.h"
 #include "text/text_handlers.h"
 #include "text/word_styling.h"
 
@@ -34,30 +35,36 @@ int fetchRecordGroupLoopSQL(const PMString& host, int port, const PMString& user
   const long groupPosition = sql::FieldPosition(fields.get(), groupField);
   const bool grouping = groupPosition >= 0;
 
-  WordStyling restyle(styling);
+  RestylePipeline restyle(styling);
   // The line layout may name computed fields too.
   WideString layoutNames = header;
   AppendHeaderFromWordStyling(styling, layoutNames);
   const RecordTemplate entryTemplate(lineLayout.AsWide().Units(), layoutNames.Units());
   std::u16string out(result.Units());
   GroupRuns runs(out);
+  sql::RowCursor cursor(rows.get());
   std::string bytes;
-  std::u16string record;
-  std::u16string entry;
-  sql::ForEachRow(rows.get(), [&](MYSQL_ROW row, const unsigned long* lengths) {
+  const auto read = [&](std::u16string& record) {
+    MYSQL_ROW row;
+    const unsigned long* lengths;
+    if (!cursor.Next(row, lengths)) return false;
     sql::LoopRecord(rows.get(), row, lengths, bytes, record);
-    const auto& recordFields = restyle.RestyleInLoop(header, record);
+    return true;
+  };
+  std::u16string entry;
+  const auto add = [&](const RestylePipeline::Record& record) {
     if (!grouping) {
-      out.append(record).push_back(kCR);
+      out.append(record.text).push_back(kCR);
       return;
     }
     const auto position = static_cast<std::size_t>(groupPosition);
     const std::u16string_view groupValue =
-        position < recordFields.size() ? recordFields[position] : std::u16string_view();
+        position < record.fields.size() ? record.fields[position] : std::u16string_view();
     entry.clear();
-    entryTemplate.Fill(recordFields, entry);
-    runs.Add(record, groupValue, entry);
-  });
+    entryTemplate.Fill(record.fields, entry);
+    runs.Add(record.text, groupValue, entry);
+  };
+  restyle.Run(header, read, add);
   if (grouping) runs.Finish();
   result = WideString(std::move(out));
   session.Close();

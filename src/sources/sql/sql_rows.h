@@ -25,17 +25,31 @@ void LoopRecord(MYSQL_RES* result, MYSQL_ROW row, const unsigned long* lengths, 
 // The position (0-based) of the field of result named name, or -1.
 long FieldPosition(MYSQL_RES* result, const PMString& name);
 
-// Calls visit(row, lengths) for every row of result, reporting progress on
-// long results.
+// The rows of a stored result one by one, reporting progress on long results.
+class RowCursor {
+ public:
+  explicit RowCursor(MYSQL_RES* result) : result_(result), total_(result ? mysql_num_rows(result) : 0) {}
+  // The next row and its value lengths; false at the end or without a result.
+  bool Next(MYSQL_ROW& row, const unsigned long*& lengths) {
+    if (result_ == nullptr || (row = mysql_fetch_row(result_)) == nullptr) return false;
+    lengths = mysql_fetch_lengths(result_);
+    if (++done_ % (1 << 16) == 0) host::Host().Progress("records", done_, total_);
+    return true;
+  }
+
+ private:
+  MYSQL_RES* result_;
+  std::uint64_t total_;
+  std::uint64_t done_ = 0;
+};
+
+// Calls visit(row, lengths) for every row of result.
 template <typename Visit>
 void ForEachRow(MYSQL_RES* result, Visit&& visit) {
-  if (result == nullptr) return;
-  const std::uint64_t total = mysql_num_rows(result);
-  std::uint64_t done = 0;
-  while (MYSQL_ROW row = mysql_fetch_row(result)) {
-    visit(row, mysql_fetch_lengths(result));
-    if (++done % (1 << 16) == 0) host::Host().Progress("records", done, total);
-  }
+  RowCursor rows(result);
+  MYSQL_ROW row;
+  const unsigned long* lengths;
+  while (rows.Next(row, lengths)) visit(row, lengths);
 }
 
 // True when a group field asks for grouping: neither empty nor "None".

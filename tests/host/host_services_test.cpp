@@ -18,8 +18,9 @@ using test::Spit;
 using test::TempFolder;
 
 // An uncommitted write leaves the original; a commit replaces it, keeping its
-// permissions; neither leaves a temporary file behind.
-TEST(PlatformFiles, OnlyCommitReplacesTheFile) {
+// permissions; neither leaves a temporary file behind. Missing files and
+// folders read as nothing.
+TEST(PlatformFiles, OnlyCommitReplacesTheFileAndReadsBackWhole) {
   TempFolder folder;
   const fs::path target = folder / "data.txt";
   Spit(target, "old");
@@ -29,25 +30,18 @@ TEST(PlatformFiles, OnlyCommitReplacesTheFile) {
   ASSERT_NE(stream, nullptr);
   stream->Write("half", 4);
   stream = host.OpenFileWrite(PMString(target.string()), FourCharCode("TEXT"), FourCharCode("TEXT"));
-  ASSERT_TRUE(stream->Write("new\rdata", 8));
+  ASSERT_TRUE(stream->Write("new\rdata\0\xFF", 10));
   EXPECT_EQ(Slurp(target), "old");
   ASSERT_TRUE(stream->Commit());
   stream.reset();
-  EXPECT_EQ(Slurp(target), "new\rdata");
+  EXPECT_EQ(Slurp(target), std::string("new\rdata\0\xFF", 10));
+  EXPECT_EQ(ReadWholeFile(PMString(target.string())), Slurp(target));
   struct stat info {};
   ASSERT_EQ(::stat(target.c_str(), &info), 0);
   EXPECT_EQ(info.st_mode & 0777, 0640u);
   EXPECT_EQ(folder.EntryCount(), 1u);
-}
-
-TEST(PlatformFiles, ReadWholeFileAndMissingFiles) {
-  TempFolder folder;
-  const std::string bytes("a\0b\xFF", 4);
-  Spit(folder / "x.bin", bytes);
-  EXPECT_EQ(ReadWholeFile(PMString((folder / "x.bin").string())), bytes);
   EXPECT_EQ(ReadWholeFile(PMString((folder / "missing").string())), std::nullopt);
   EXPECT_EQ(ReadWholeFile(PMString((folder / "").string())), std::nullopt);  // a folder is no file
-  PlatformHostServices host;
   EXPECT_EQ(host.OpenFileWrite(PMString((folder / "no/such/dir/f").string()), 0, 0), nullptr);
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -10,7 +11,7 @@ const std::u16string kPair = u"\U0001F600";  // one character, two units
 
 WideString Units(std::u16string units) { return WideString(std::move(units)); }
 
-// Positions count characters; a match never splits a pair.
+// Positions count characters; a match never splits a pair; appending the low half of a pair completes it.
 TEST(WideString, SurrogatePairIsOneCharacter) {
   const WideString text = Units(u"a" + kPair + u"b");
   EXPECT_EQ(text.CharCount(), 3u);
@@ -23,6 +24,12 @@ TEST(WideString, SurrogatePairIsOneCharacter) {
   EXPECT_EQ(text.IndexOf(Units(kPair)), 1);
   EXPECT_EQ(text.IndexOf(Units(kPair.substr(0, 1))), -1);
   EXPECT_EQ(text.IndexOf(Units(kPair.substr(1))), -1);
+  WideString appended("a");
+  appended.AppendUTF32TextChar(0xD83D);
+  EXPECT_EQ(appended.CharCount(), 2u);  // a lone surrogate counts on its own, until its low half completes it
+  appended.AppendUTF32TextChar(0xDE00);
+  EXPECT_EQ(appended.CharCount(), 2u);
+  EXPECT_EQ(appended.GetUTF32TextChar(1), U'\U0001F600');
 }
 
 TEST(WideString, PositionsAfterManyPairs) {
@@ -35,15 +42,6 @@ TEST(WideString, PositionsAfterManyPairs) {
     EXPECT_EQ(text.CharPosOf(text.UnitOffsetOf(pos)), pos);
   }
   EXPECT_EQ(text.IndexOf(WideString("x"), 101), 101);
-}
-
-TEST(WideString, AppendingTheLowHalfCompletesAPair) {
-  WideString text("a");
-  text.AppendUTF32TextChar(0xD83D);
-  EXPECT_EQ(text.CharCount(), 2u);  // a lone surrogate counts on its own
-  text.AppendUTF32TextChar(0xDE00);
-  EXPECT_EQ(text.CharCount(), 2u);
-  EXPECT_EQ(text.GetUTF32TextChar(1), U'\U0001F600');
 }
 
 TEST(WideString, IndexOfSubstringAndRemoveClipToTheText) {
@@ -59,22 +57,14 @@ TEST(WideString, IndexOfSubstringAndRemoveClipToTheText) {
   EXPECT_EQ(text.ToUTF8(), "aab");
 }
 
+// A lone continuation byte, an overlong form, an encoded surrogate, a sequence cut short and one beyond Unicode.
 TEST(WideString, Utf8DecodingReplacesWhatIsMalformed) {
-  const struct {
-    const char* name;
-    std::string bytes;
-    std::u16string units;
-  } cases[] = {
-      {"Valid", "a\t\xC3\xA9\r\xF0\x9F\x98\x80", u"a\t\u00E9\r\U0001F600"},
-      {"LoneContinuation", "a\x80z", u"a\uFFFDz"},
-      {"Overlong", "\xC0\xAF", u"\uFFFD\uFFFD"},
-      {"EncodedSurrogate", "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
-      {"TruncatedThenAscii", "\xE2\x82z\xE2\x82", u"\uFFFDz\uFFFD"},
-      {"BeyondUnicode", "\xF5\x80\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
+  const std::pair<std::string, std::u16string> cases[] = {
+      {"a\t\xC3\xA9\r\xF0\x9F\x98\x80", u"a\t\u00E9\r\U0001F600"}, {"a\x80z", u"a\uFFFDz"},
+      {"\xC0\xAF", u"\uFFFD\uFFFD"}, {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"}, {"\xE2\x82z\xE2\x82", u"\uFFFDz\uFFFD"},
+      {"\xF5\x80\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(WideString(c.bytes).Units(), c.units) << c.name;
-  }
+  for (const auto& [bytes, units] : cases) EXPECT_EQ(WideString(bytes).Units(), units) << bytes;
 }
 
 TEST(WideString, Utf8AndUtf16LeRoundTrip) {

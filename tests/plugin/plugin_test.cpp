@@ -17,8 +17,7 @@ class RecordingSession final : public IHostSession {
   using Entry = std::pair<PluginID, const InterfaceFactoryRecord*>;
   void InstallClass(PluginID id, const InterfaceFactoryRecord& r) override { classes.emplace_back(id, &r); }
   void InstallInterface(PluginID id, const InterfaceFactoryRecord& r) override { interfaces.emplace_back(id, &r); }
-  std::vector<Entry> classes;
-  std::vector<Entry> interfaces;
+  std::vector<Entry> classes, interfaces;
 };
 
 // Stands in for the host object that owns the interface.
@@ -30,32 +29,11 @@ class CountingOwner final : public IPMUnknown {
   }
   void AddRef() const override { ++addRefs; }
   void Release() const override { ++releases; }
+  std::pair<int, int> Counts() const { return {addRefs, releases}; }
 
   IPMUnknown* answer = nullptr;
   mutable std::vector<PMIID> queried;
-  mutable int addRefs = 0;
-  mutable int releases = 0;
-};
-
-// An implementation created by a factory in memory we own, destroyed as the host would.
-class Instance {
- public:
-  Instance(const InterfaceFactoryRecord& record, IPMUnknown* owner)
-      : record_(record),
-        memory_(std::make_unique<std::max_align_t[]>(record.size() / sizeof(std::max_align_t) + 1)),
-        object_(record.create(memory_.get(), owner)) {}
-  Instance(const Instance&) = delete;
-  Instance& operator=(const Instance&) = delete;
-  ~Instance() {
-    if (object_ != nullptr) record_.destroy(object_);
-  }
-  IPMUnknown* get() const { return object_; }
-  const void* memory() const { return memory_.get(); }
-
- private:
-  const InterfaceFactoryRecord& record_;
-  std::unique_ptr<std::max_align_t[]> memory_;
-  IPMUnknown* object_;
+  mutable int addRefs = 0, releases = 0;
 };
 
 class PluginModuleTest : public ::testing::Test {
@@ -76,11 +54,18 @@ class PluginModuleTest : public ::testing::Test {
     ASSERT_NE(record_, nullptr);
   }
 
+  // The implementation created by the factory in memory the fixture owns, destroyed as the host would.
+  std::unique_ptr<IPMUnknown, void (*)(IPMUnknown*)> Create(IPMUnknown* owner) {
+    memory_.resize(record_->size() / sizeof(std::max_align_t) + 1);
+    return {record_->create(memory_.data(), owner), record_->destroy};
+  }
+
   std::unique_ptr<void, int (*)(void*)> module_{dlopen(TALP_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL), &dlclose};
   const int bundle_ = 0;
   PlugIn* plugin_ = nullptr;
   RecordingSession session_;
   const InterfaceFactoryRecord* record_ = nullptr;
+  std::vector<std::max_align_t> memory_;
 };
 
 // The plug-in keeps what the host gave, keeps the host's defaults, and installs
@@ -103,11 +88,10 @@ TEST_F(PluginModuleTest, LoadsTheWayTheHostExpects) {
 
 TEST_F(PluginModuleTest, CreateUsesHostMemoryAndNeverReferencesTheOwner) {
   CountingOwner owner;
-  {
-    Instance remote(*record_, &owner);
-    EXPECT_EQ(static_cast<const void*>(remote.get()), remote.memory());
-  }
-  EXPECT_EQ(std::pair(owner.addRefs, owner.releases), std::pair(0, 0));
+  auto remote = Create(&owner);
+  EXPECT_EQ(static_cast<const void*>(remote.get()), memory_.data());
+  remote.reset();
+  EXPECT_EQ(owner.Counts(), std::pair(0, 0));
   EXPECT_TRUE(owner.queried.empty());
   EXPECT_EQ(record_->create(nullptr, &owner), nullptr);
 }
@@ -117,27 +101,27 @@ TEST_F(PluginModuleTest, CreateUsesHostMemoryAndNeverReferencesTheOwner) {
 TEST_F(PluginModuleTest, QueryInterfaceAddRefAndReleaseGoToTheOwner) {
   CountingOwner sibling, owner;
   owner.answer = &sibling;
-  Instance remote(*record_, &owner);
-  remote.get()->AddRef();
-  remote.get()->AddRef();
-  remote.get()->Release();
-  EXPECT_EQ(std::pair(owner.addRefs, owner.releases), std::pair(2, 1));
-  EXPECT_EQ(remote.get()->QueryInterface(IID_IPMUNKNOWN), &owner);
-  EXPECT_EQ(std::pair(owner.addRefs, owner.releases), std::pair(3, 1));
+  const auto remote = Create(&owner);
+  remote->AddRef();
+  remote->AddRef();
+  remote->Release();
+  EXPECT_EQ(owner.Counts(), std::pair(2, 1));
+  EXPECT_EQ(remote->QueryInterface(IID_IPMUNKNOWN), &owner);
+  EXPECT_EQ(owner.Counts(), std::pair(3, 1));
   EXPECT_TRUE(owner.queried.empty());
-  EXPECT_EQ(remote.get()->QueryInterface(IID_ITALPREMOTE), &sibling);
-  EXPECT_EQ(remote.get()->QueryInterface(7), &sibling);
+  EXPECT_EQ(remote->QueryInterface(IID_ITALPREMOTE), &sibling);
+  EXPECT_EQ(remote->QueryInterface(7), &sibling);
   EXPECT_EQ(owner.queried, (std::vector<PMIID>{IID_ITALPREMOTE, 7}));
-  EXPECT_EQ(std::pair(owner.addRefs, owner.releases), std::pair(3, 1));
+  EXPECT_EQ(owner.Counts(), std::pair(3, 1));
 }
 
-TEST_F(PluginModuleTest, WithoutOwnerNothingAnswers) {
-  Instance remote(*record_, nullptr);
-  ASSERT_NE(remote.get(), nullptr);
-  remote.get()->AddRef();
-  remote.get()->Release();
-  EXPECT_EQ(remote.get()->QueryInterface(IID_IPMUNKNOWN), nullptr);
-  EXPECT_EQ(remote.get()->QueryInterface(IID_ITALPREMOTE), nullptr);
+TEST_F(PluginModuleTest, WithoutOwnerReferenceCountingDoesNothingAndNothingAnswers) {
+  const auto remote = Create(nullptr);
+  ASSERT_NE(remote, nullptr);
+  remote->AddRef();
+  remote->Release();
+  EXPECT_EQ(remote->QueryInterface(IID_IPMUNKNOWN), nullptr);
+  EXPECT_EQ(remote->QueryInterface(IID_ITALPREMOTE), nullptr);
 }
 
 }  // namespace

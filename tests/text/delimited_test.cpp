@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <string_view>
 
 namespace talp {
 namespace {
@@ -13,24 +12,15 @@ std::u16string U(const WideString& text) { return std::u16string(text.Units()); 
 
 #define SMILE u"\U0001F600"
 
-std::u16string Import(std::u16string_view text, const char* delimiter) {
-  WideString converted = W(text);
-  UnicodeImportHandling(converted, PMString(delimiter));
-  return U(converted);
-}
-
-std::u16string Export(std::u16string_view text, const char* delimiter, const char* quote = "\"") {
-  WideString converted = W(text);
-  UnicodeExportHandling(converted, PMString(delimiter), PMString(quote));
-  return U(converted);
-}
+struct DelimitedCase {
+  const char* name;
+  const char* delimiter;
+  std::u16string_view text, want;
+  const char* quote = "\"";  // exporting only
+};
 
 TEST(DelimitedImportTest, UnicodeImportHandling) {
-  const struct {
-    const char* name;
-    const char* delimiter;
-    std::u16string_view text, want;
-  } cases[] = {
+  const DelimitedCase cases[] = {
       {"Plain", ",", u"a,b,c\r1,2,3", u"a\tb\tc\r1\t2\t3"},
       {"DoubledQuotesAndDelimiterInsideQuotes", ",", u"\"say \"\"hi\"\", 1,5\",x", u"say \"hi\", 1,5\tx"},
       {"MultiLineCell", ",", u"\"a\rb\",c\rd,e", u"a<br>b\tc\rd\te"},
@@ -40,40 +30,35 @@ TEST(DelimitedImportTest, UnicodeImportHandling) {
       {"SemicolonFile", ";", u"a;b,c\r\"x;y\";z", u"a\tb,c\rx;y\tz"},
       {"QuoteInsideOrAfterBlankIsText", ",", u"ab\"c, \"a,b\"", u"ab\"c\t \"a\tb\""},
       {"TextAfterClosingQuoteKept", ",", u"\"ab\"c\"d\",e", u"abc\"d\"\te"},
-      {"UnterminatedQuoteRunsToTheEnd", ",", u"\"a,b\rc", u"a,b<br>c"},
-      {"LoneQuote", ",", u"\"", u""},
+      {"UnterminatedQuoteRunsToTheEnd", ",", u"\"a,b\rc", u"a,b<br>c"}, {"LoneQuote", ",", u"\"", u""},
       {"PairsKept", ",", SMILE u",\"" SMILE u"\"", SMILE u"\t" SMILE},
       {"EmptyDelimiterChangesNothing", "", u"a,\"b\"", u"a,\"b\""},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(Import(c.text, c.delimiter), c.want);
+    WideString text = W(c.text);
+    UnicodeImportHandling(text, PMString(c.delimiter));
+    EXPECT_EQ(U(text), c.want) << c.name;
   }
 }
 
 TEST(DelimitedExportTest, UnicodeExportHandling) {
-  const struct {
-    const char* name;
-    const char* delimiter;
-    const char* quote;
-    std::u16string_view text, want;
-  } cases[] = {
-      {"Plain", ",", "\"", u"a\tb\r1\t2", u"a,b\r1,2"},
-      {"DelimiterQuotedQuoteDoubled", ",", "\"", u"a\tb\r1,5\tsay \"hi\"", u"a,b\r\"1,5\",\"say \"\"hi\"\"\""},
-      {"MarkersBecomeCRAndTab", ",", "\"", u"a\rx<br>y<tb>z", u"a\r\"x\ry\tz\""},
-      {"LineFeedMarkerStays", ",", "\"", u"a\rx<sr><end>", u"a\rx<sr><end>"},
-      {"HeaderKeepsMarkers", ",", "\"", u"a<br>b\tc", u"a<br>b,c"},
-      {"HeaderQuotedForDelimiter", ",", "\"", u"a,b\tc", u"\"a,b\",c"},
-      {"EmptyFieldsAndTrailingCR", ",", "\"", u"\t\r\t\r", u",\r,\r"},
-      {"LessThanBeforeMarker", ",", "\"", u"a\r<b<br>", u"a\r\"<b\r\""},
-      {"SemicolonFile", ";", "\"", u"a\tb\r1,5\t2;3", u"a;b\r1,5;\"2;3\""},
-      {"RawLineFeedQuoted", ",", "\"", u"a\rx\ny", u"a\r\"x\ny\""},
-      {"OtherQuote", ",", "'", u"a\rit's", u"a\r'it''s'"},
-      {"EmptyQuoteIsTheDoubleQuote", ",", "", u"a\r1,5", u"a\r\"1,5\""},
+  const DelimitedCase cases[] = {
+      {"Plain", ",", u"a\tb\r1\t2", u"a,b\r1,2"},
+      {"DelimiterQuotedQuoteDoubled", ",", u"a\tb\r1,5\tsay \"hi\"", u"a,b\r\"1,5\",\"say \"\"hi\"\"\""},
+      {"MarkersBecomeCRAndTab", ",", u"a\rx<br>y<tb>z", u"a\r\"x\ry\tz\""},
+      {"LineFeedMarkerStays", ",", u"a\rx<sr><end>", u"a\rx<sr><end>"},
+      {"HeaderKeepsMarkers", ",", u"a<br>b\tc", u"a<br>b,c"},
+      {"HeaderQuotedForDelimiter", ",", u"a,b\tc", u"\"a,b\",c"},
+      {"EmptyFieldsAndTrailingCR", ",", u"\t\r\t\r", u",\r,\r"},
+      {"LessThanBeforeMarker", ",", u"a\r<b<br>", u"a\r\"<b\r\""},
+      {"SemicolonFile", ";", u"a\tb\r1,5\t2;3", u"a;b\r1,5;\"2;3\""},
+      {"RawLineFeedQuoted", ",", u"a\rx\ny", u"a\r\"x\ny\""}, {"OtherQuote", ",", u"a\rit's", u"a\r'it''s'", "'"},
+      {"EmptyQuoteIsTheDoubleQuote", ",", u"a\r1,5", u"a\r\"1,5\"", ""},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(Export(c.text, c.delimiter, c.quote), c.want);
+    WideString text = W(c.text);
+    UnicodeExportHandling(text, PMString(c.delimiter), PMString(c.quote));
+    EXPECT_EQ(U(text), c.want) << c.name;
   }
 }
 

@@ -23,23 +23,20 @@ TEST(SearchReplaceTest, MyReplaceAndSearchReplaceUnicode) {
   } cases[] = {
       {"ReplacesEvery", u"a&gt;b&gt;", u"&gt;", u">", u"a>b>", u"a>b>"},
       {"OnlyMyReplaceSkipsTheMiddle", u"axc", u"abc", u"Q", u"Q", u"axc"},
-      {"NoBacktracking", u"aab", u"ab", u"Q", u"aab", u"aab"},
-      {"DifferingCharacterIsConsumed", u"xxy", u"xy", u"z", u"xxy", u"xxy"},
+      {"DifferingCharacterIsConsumed", u"aab", u"ab", u"Q", u"aab", u"aab"},
       {"MatchAfterFailedCandidate", u"axab", u"ab", u"Q", u"axQ", u"axQ"},
       {"SpanPastEndNeverMatches", u"xab", u"abc", u"Q", u"xab", u"xab"},
       {"ReplacementNotRescanned", u"aa", u"a", u"aa", u"aaaa", u"aaaa"},
-      {"EmptyFindChangesNothing", u"abc", u"", u"Q", u"abc", u"abc"},
-      {"EmptyText", u"", u"a", u"Q", u"", u""},
+      {"EmptyFindChangesNothing", u"abc", u"", u"Q", u"abc", u"abc"}, {"EmptyText", u"", u"a", u"Q", u"", u""},
       {"PairIsOneCharacter", SMILE u"y" SMILE, SMILE u"z" SMILE, u"Q", u"Q", SMILE u"y" SMILE},
       {"LoneSurrogateSkipsPairs", SMILE u"\xD83D", u"\xD83D", u"x", SMILE u"x", SMILE u"x"},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(U(myReplace(PMString(W(c.text)), PMString(W(c.find)), PMString(W(c.replacement))).AsWide()),
-              c.wantMyReplace);
+    const PMString replaced = myReplace(PMString(W(c.text)), PMString(W(c.find)), PMString(W(c.replacement)));
+    EXPECT_EQ(U(replaced.AsWide()), c.wantMyReplace) << c.name;
     WideString text = W(c.text);
     SearchReplaceUnicode(text, W(c.find), W(c.replacement));
-    EXPECT_EQ(U(text), c.wantSearchReplace);
+    EXPECT_EQ(U(text), c.wantSearchReplace) << c.name;
   }
   WideString text = W(u"abc");
   SearchReplaceUnicode(text, text, W(u"x"));  // find may be the text
@@ -51,17 +48,14 @@ TEST(SearchReplaceTest, UnicodeCleaning) {
     const char* name;
     std::u16string_view text, table, want;
   } cases[] = {
-      {"LaterPairSeesEarlierOutput", u"a", u"a\tb\rb\tc", u"c"},
-      {"TableOrderDecides", u"a", u"b\tc\ra\tb", u"b"},
-      {"LineWithoutTabDeletes", u"a-b-c", u"-", u"abc"},
-      {"ThirdFieldAndFinalCRIgnored", u"ab", u"a\tx\ty\r", u"xb"},
+      {"LaterPairSeesEarlierOutput", u"a", u"a\tb\rb\tc", u"c"}, {"TableOrderDecides", u"a", u"b\tc\ra\tb", u"b"},
+      {"LineWithoutTabDeletes", u"a-b-c", u"-", u"abc"}, {"ThirdFieldAndFinalCRIgnored", u"ab", u"a\tx\ty\r", u"xb"},
       {"EmptyFindChangesNothing", u"ab", u"\tz", u"ab"},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
     WideString text = W(c.text);
     UnicodeCleaning(text, W(c.table));
-    EXPECT_EQ(U(text), c.want);
+    EXPECT_EQ(U(text), c.want) << c.name;
   }
   WideString text = W(u"a\tb");
   UnicodeCleaning(text, text);  // the table is the text as it was
@@ -75,16 +69,13 @@ TEST(SearchReplaceTest, MergeContentToString) {
   } cases[] = {
       {"FillsAndDecodes", u"Dear [Name], [Nope]!", u"Name", u"Ann &amp; Bo", u"Dear Ann & Bo, !"},
       {"UnclosedBracketsDropped", u"[a]x[a[b", u"a", u"v", u"vxab"},
-      {"BracketsDoNotNest", u"[a[b]", u"a[b", u"v", u"v"},
-      {"CloseOutsideIsCopied", u"a]b[]", u"", u"v", u"a]bv"},
-      {"FirstOfEqualNames", u"[n]", u"n\rn", u"1\r2", u"1"},
-      {"MarkersDecoded", u"[v]", u"v", u"a<br>b<tb>", u"a\rb\t"},
+      {"BracketsDoNotNest", u"[a[b]", u"a[b", u"v", u"v"}, {"CloseOutsideIsCopied", u"a]b[]", u"", u"v", u"a]bv"},
+      {"FirstOfEqualNames", u"[n]", u"n\rn", u"1\r2", u"1"}, {"MarkersDecoded", u"[v]", u"v", u"a<br>b<tb>", u"a\rb\t"},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
     WideString text = W(c.pattern);
     MergeContentToString(text, W(c.names), W(c.values));
-    EXPECT_EQ(U(text), c.want);
+    EXPECT_EQ(U(text), c.want) << c.name;
   }
   WideString text = W(u"[[a]");
   MergeContentToString(text, W(u"[a"), text);  // the values are the template as it was

@@ -20,22 +20,27 @@ std::u16string U(const PMString& text) { return U(text.AsWide()); }
 
 // myGetLine, GetUnicodeItem and GetUnicode32Item count fields alike. fields[n]
 // is field n; field 0, fields past the last and negative ones are empty.
+// CountNumber and CountUnicodeItems count the separators.
 TEST(TextHandlersTest, SingleCharacterFields) {
   const struct {
     const char* name;
     std::u16string_view text;
     char32_t separator;
+    unsigned count;
     std::vector<std::u16string> fields;
   } cases[] = {
-      {"Fields", u"a;b;;d", ';', {u"", u"a", u"b", u"", u"d", u""}},
-      {"AfterFinalSeparatorIsEmpty", u"a;b;", ';', {u"", u"a", u"b", u""}},
-      {"EmptySource", u"", ';', {u"", u""}},
-      {"PairsAreKept", SMILE u";x", ';', {u"", SMILE, u"x"}},
-      {"SurrogateSeparatorSkipsPairs", u"a" SMILE LONE_HIGH u"x", 0xD83D, {u"", u"a" SMILE, u"x"}},
-      {"SupplementarySeparator", u"a" SMILE u"b", 0x1F600, {u"", u"a", u"b"}},
-      {"NoCharacterBeyondUnicode", u"a", 0x110000, {u"", u"a", u""}},
+      {"Fields", u"a;b;;d", ';', 3, {u"", u"a", u"b", u"", u"d", u""}},
+      {"AfterFinalSeparatorIsEmpty", u"a;b;", ';', 2, {u"", u"a", u"b", u""}}, {"EmptySource", u"", ';', 0, {u"", u""}},
+      {"PairsAreKept", SMILE u";x", ';', 1, {u"", SMILE, u"x"}},
+      {"SurrogateSeparatorSkipsPairs", u"a" SMILE LONE_HIGH u"x", 0xD83D, 1, {u"", u"a" SMILE, u"x"}},
+      {"SupplementarySeparator", u"a" SMILE u"b", 0x1F600, 1, {u"", u"a", u"b"}},
+      {"NoCharacterBeyondUnicode", u"a", 0x110000, 0, {u"", u"a", u""}},
   };
   for (const auto& c : cases) {
+    EXPECT_EQ(CountNumber(PMString(W(c.text)), c.separator), c.count) << c.name;
+    if (c.separator <= 0xFFFF) {
+      EXPECT_EQ(CountUnicodeItems(W(c.text), static_cast<unsigned short>(c.separator)), static_cast<int>(c.count));
+    }
     for (std::size_t i = 0; i < c.fields.size() + 2; ++i) {
       const long n = i < c.fields.size() ? static_cast<long>(i) : i == c.fields.size() ? LONG_MIN : LONG_MAX;
       const std::u16string want = i < c.fields.size() ? c.fields[i] : u"";
@@ -56,14 +61,7 @@ TEST(TextHandlersTest, SingleCharacterFields) {
   EXPECT_EQ(U(line), u"b");
 }
 
-// myReplace is tested beside SearchReplaceUnicode, to show where the two differ.
-
-TEST(TextHandlersTest, CountsAndNumbers) {
-  EXPECT_EQ(CountNumber(PMString("a;b;"), ';'), 2u);
-  EXPECT_EQ(CountNumber(PMString(""), ';'), 0u);
-  EXPECT_EQ(CountUnicodeItems(W(u"a\rb\r"), kCR), 2);
-  EXPECT_EQ(CountUnicodeItems(W(SMILE LONE_HIGH), 0xD83D), 1);
-  EXPECT_EQ(U(GetNumberAsWideString(-7)), u"-7");
+TEST(TextHandlersTest, NumbersKeepEveryDigit) {
   EXPECT_EQ(U(GetNumberAsWideString(LONG_MIN)), u"-9223372036854775808");
   EXPECT_EQ(U(GetNumberAsWideString(LONG_MAX)), u"9223372036854775807");
 }
@@ -75,13 +73,9 @@ TEST(TextHandlersTest, Lines) {
     std::u16string_view text;
     std::vector<std::u16string> lines;
   } cases[] = {
-      {"Empty", u"", {}},
-      {"OneCharacterIsNoLine", u"a", {}},
-      {"OnePairIsNoLine", SMILE, {}},
-      {"TwoCharacters", u"ab", {u"ab"}},
-      {"CRThenCharacter", u"\rb", {u"\t", u"b"}},
-      {"EndsWithCR", u"a\rbc\r", {u"a\t", u"bc\t"}},
-      {"LineFeedIsText", u"a\nb", {u"a\nb"}},
+      {"Empty", u"", {}}, {"OneCharacterIsNoLine", u"a", {}}, {"OnePairIsNoLine", SMILE, {}},
+      {"TwoCharacters", u"ab", {u"ab"}}, {"CRThenCharacter", u"\rb", {u"\t", u"b"}},
+      {"EndsWithCR", u"a\rbc\r", {u"a\t", u"bc\t"}}, {"LineFeedIsText", u"a\nb", {u"a\nb"}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
@@ -99,20 +93,22 @@ TEST(TextHandlersTest, Lines) {
 }
 
 // items[n] is item n, from 0; n past the end or negative gives the last item.
+// CountItemUnicode counts the separators, overlapping ones too, and for an empty one every character.
 TEST(TextHandlersTest, MultiCharacterItems) {
   const struct {
     const char* name;
     std::u16string_view text, separator;
+    int count;
     std::vector<std::u16string> items;
   } cases[] = {
-      {"Items", u"x::y::z", u"::", {u"x", u"y", u"z"}},
-      {"AfterFinalSeparatorIsEmpty", u"x::", u"::", {u"x", u""}},
-      {"SeparatorsDoNotOverlap", u"aaa", u"aa", {u"", u"a"}},
-      {"SeparatorPastEndIsText", u"x:", u"::", {u"x:"}},
-      {"EmptySeparatorSplitsNothing", u"abc", u"", {u"abc"}},
-      {"LoneSurrogateSkipsPairs", u"a" SMILE LONE_HIGH u"c", LONE_HIGH, {u"a" SMILE, u"c"}},
+      {"Items", u"x::y::z", u"::", 2, {u"x", u"y", u"z"}},
+      {"AfterFinalSeparatorIsEmpty", u"x::", u"::", 1, {u"x", u""}},
+      {"SeparatorsDoNotOverlap", u"aaa", u"aa", 2, {u"", u"a"}}, {"SeparatorPastEndIsText", u"x:", u"::", 0, {u"x:"}},
+      {"EmptySeparatorSplitsNothing", u"a" SMILE u"c", u"", 3, {u"a" SMILE u"c"}},
+      {"LoneSurrogateSkipsPairs", u"a" SMILE LONE_HIGH u"c", LONE_HIGH, 1, {u"a" SMILE, u"c"}},
   };
   for (const auto& c : cases) {
+    EXPECT_EQ(CountItemUnicode(W(c.text), W(c.separator)), c.count) << c.name;
     for (const long n : {0L, 1L, 2L, 3L, 99L, LONG_MAX, -1L, LONG_MIN}) {
       const std::u16string& want = c.items[std::min<std::size_t>(n < 0 ? 99 : n, c.items.size() - 1)];
       SCOPED_TRACE(std::string(c.name) + ", item " + std::to_string(n));
@@ -123,14 +119,6 @@ TEST(TextHandlersTest, MultiCharacterItems) {
   }
   WideString text = W(u"x::y");
   EXPECT_EQ(U(GetItemUnicode(text, text, W(u"::"), 1)), u"y");
-}
-
-TEST(TextHandlersTest, CountItemUnicode) {
-  EXPECT_EQ(CountItemUnicode(W(u"x::y::z"), W(u"::")), 2);
-  EXPECT_EQ(CountItemUnicode(W(u"aaa"), W(u"aa")), 2);  // overlapping ones count
-  EXPECT_EQ(CountItemUnicode(W(u"a"), W(u"aa")), 0);
-  EXPECT_EQ(CountItemUnicode(W(SMILE LONE_HIGH), W(LONE_HIGH)), 1);
-  EXPECT_EQ(CountItemUnicode(W(u"a" SMILE u"c"), W(u"")), 3);
 }
 
 TEST(TextHandlersTest, DeleteFirstLastCharacters) {
@@ -153,17 +141,11 @@ TEST(TextHandlersTest, GetIndexOfHeaderField) {
     std::u16string_view header, field;
     int want;
   } cases[] = {
-      {"LastNameWithoutCRNeverFound", u"id\rname", u"name", -1},
-      {"LastNameWithCR", u"id\rname\r", u"name", 2},
-      {"First", u"id\rname\r", u"id", 1},
-      {"FirstOfEqualNames", u"id\rid\r", u"id", 1},
-      {"EmptyNameIsFieldZero", u"id\r", u"", 0},
-      {"EmptyHeader", u"", u"id", -1},
+      {"LastNameWithoutCRNeverFound", u"id\rname", u"name", -1}, {"LastNameWithCR", u"id\rname\r", u"name", 2},
+      {"First", u"id\rname\r", u"id", 1}, {"FirstOfEqualNames", u"id\rid\r", u"id", 1},
+      {"EmptyNameIsFieldZero", u"id\r", u"", 0}, {"EmptyHeader", u"", u"id", -1},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(GetIndexOfHeaderField(W(c.header), W(c.field)), c.want);
-  }
+  for (const auto& c : cases) EXPECT_EQ(GetIndexOfHeaderField(W(c.header), W(c.field)), c.want) << c.name;
 }
 
 TEST(TextHandlersTest, FindDataInRecord) {
@@ -171,18 +153,15 @@ TEST(TextHandlersTest, FindDataInRecord) {
     const char* name;
     std::u16string_view names, values, field, want;
   } cases[] = {
-      {"LastNameIsFound", u"a\rb\rc", u"1\r2\r3", u"c", u"3"},
-      {"FirstOfEqualNames", u"a\ra", u"1\r2", u"a", u"1"},
-      {"MissingValueIsEmpty", u"a\rb", u"1", u"b", u""},
-      {"UnknownLeavesOut", u"a", u"1", u"z", u"untouched"},
+      {"LastNameIsFound", u"a\rb\rc", u"1\r2\r3", u"c", u"3"}, {"FirstOfEqualNames", u"a\ra", u"1\r2", u"a", u"1"},
+      {"MissingValueIsEmpty", u"a\rb", u"1", u"b", u""}, {"UnknownLeavesOut", u"a", u"1", u"z", u"untouched"},
       // Entities first, "&amp;" last, then markers.
       {"Decoded", u"a", u"&amp;lt;&amp;apos;&lt;br&gt;<tb>&quot;<br>&apos;<sr>&gt;", u"a", u"&lt;&apos;\r\t\"\r'\n>"},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
     WideString out = W(u"untouched");
     FindDataInRecord(W(c.names), W(c.values), W(c.field), out);
-    EXPECT_EQ(U(out), c.want);
+    EXPECT_EQ(U(out), c.want) << c.name;
   }
 }
 

@@ -36,18 +36,11 @@ TEST(XmlElementTest, IsXMLFile) {
     std::u16string_view text;
     int want;
   } cases[] = {
-      {"Declaration", u"<?xml version", 1},
-      {"CaseSensitive", u"<?XML version", 0},
-      {"AtTheVeryEndNotSeen", u"ab<?xml", 0},
-      {"OneCharacterAfterIsEnough", u"<?xml ", 1},
-      {"OnlyTheMarker", u"<?xml", 0},
-      {"PairAfterIsOneCharacter", SMILE u"<?xml" SMILE, 1},
-      {"Short", u"<?x", 0},
+      {"Declaration", u"<?xml version", 1}, {"CaseSensitive", u"<?XML version", 0},
+      {"AtTheVeryEndNotSeen", u"ab<?xml", 0}, {"OneCharacterAfterIsEnough", u"<?xml ", 1},
+      {"OnlyTheMarker", u"<?xml", 0}, {"PairAfterIsOneCharacter", SMILE u"<?xml" SMILE, 1}, {"Short", u"<?x", 0},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(isXMLFile(W(c.text)), c.want);
-  }
+  for (const auto& c : cases) EXPECT_EQ(isXMLFile(W(c.text)), c.want) << c.name;
 }
 
 TEST(XmlElementTest, CountsAndNumberedElements) {
@@ -59,28 +52,23 @@ TEST(XmlElementTest, CountsAndNumberedElements) {
     long n;
     std::u16string_view nth;
   } cases[] = {
-      {"Second", two, u"Process", 2, 2, u"b"},
-      {"NoThird", two, u"Process", 2, 3, u""},
-      {"ZeroIsNone", two, u"Process", 2, 0, u""},
-      {"LongMinIsNone", two, u"Process", 2, LONG_MIN, u""},
-      {"CaseSensitive", two, u"process", 0, 1, u""},
-      {"TagEndingTheTextIsNotCountedButFound", u"x<P>", u"P", 0, 1, u""},
+      {"Second", two, u"Process", 2, 2, u"b"}, {"NoThird", two, u"Process", 2, 3, u""},
+      {"ZeroIsNone", two, u"Process", 2, 0, u""}, {"LongMinIsNone", two, u"Process", 2, LONG_MIN, u""},
+      {"CaseSensitive", two, u"process", 0, 1, u""}, {"TagEndingTheTextIsNotCountedButFound", u"x<P>", u"P", 0, 1, u""},
       {"PairAfterTheTag", u"<P>" SMILE, u"P", 1, 1, SMILE},
       {"OverlappingTagsCount", u"<><><>x</><>", u"><", 2, 2, u"x"},
       {"UnclosedRunsToTheEnd", u"<A>x\ty", u"A", 1, 1, u"x\ty"},
-      {"NestedSameName", u"<A><A>x</A></A>", u"A", 2, 1, u"<A>x"},
-      {"Empty", u"", u"A", 0, 1, u""},
+      {"NestedSameName", u"<A><A>x</A></A>", u"A", 2, 1, u"<A>x"}, {"Empty", u"", u"A", 0, 1, u""},
   };
+  // Both turn the name into its tag.
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    WideString name = W(c.element);
-    EXPECT_EQ(CountElementDepth(W(c.text), name), c.depth);
-    EXPECT_EQ(U(name), u"<" + std::u16string(c.element) + u">");
-    WideString out = W(u"stale");
-    name = W(c.element);
-    GetElementNumber(out, W(c.text), name, c.n);
+    const std::u16string tag = u"<" + std::u16string(c.element) + u">";
+    WideString counted = W(c.element), numbered = W(c.element), out = W(u"stale");
+    EXPECT_EQ(CountElementDepth(W(c.text), counted), c.depth);
+    GetElementNumber(out, W(c.text), numbered, c.n);
     EXPECT_EQ(U(out), c.nth);
-    EXPECT_EQ(U(name), u"<" + std::u16string(c.element) + u">");
+    EXPECT_EQ(U(counted) + U(numbered), tag + tag);
   }
   EXPECT_EQ(CountRowDepth(W(u"<ROW><ROWS><row></ROW><RO")), 2);
 }
@@ -90,19 +78,15 @@ TEST(XmlElementTest, GetAbsoluteField) {
     const char* name;
     std::u16string_view element, field, want;
   } cases[] = {
-      {"TabAndCRBecomeMarkers", u"<A>x\ty\rz</A>", u"A", u"x<tb>y<br>z"},
-      {"SelfClosingIsEmpty", u"<A/>", u"A", u""},
-      {"FirstChildWins", u"<B>1</B><A>2</A><A>3</A>", u"A", u"2"},
-      {"Missing", u"<B>1</B>", u"A", u""},
-      {"UnclosedRunsToTheEnd", u"<A>xy", u"A", u"xy"},
-      {"TagCutShort", u"<A", u"A", u""},
+      {"TabAndCRBecomeMarkers", u"<A>x\ty\rz</A>", u"A", u"x<tb>y<br>z"}, {"SelfClosingIsEmpty", u"<A/>", u"A", u""},
+      {"FirstChildWins", u"<B>1</B><A>2</A><A>3</A>", u"A", u"2"}, {"Missing", u"<B>1</B>", u"A", u""},
+      {"UnclosedRunsToTheEnd", u"<A>xy", u"A", u"xy"}, {"TagCutShort", u"<A", u"A", u""},
       {"LongerNameIsTakenLiterally", u"<AB>y</AB><A>x</A>", u"A", u">y"},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
     WideString out = W(u"stale");
     GetAbsoluteField(out, W(c.element), W(c.field));
-    EXPECT_EQ(U(out), c.want);
+    EXPECT_EQ(U(out), c.want) << c.name;
   }
 }
 
@@ -114,8 +98,7 @@ TEST(XmlExportTest, ExportXML) {
       {"UnterminatedLastFieldIsLost", u"a\tb\r1\t2\r\r", DECL u"<ROW>\r<a>1</a>\r</ROW>\r"},
       {"StopsAtAnEmptyLine", u"a\t\r1\t\r\r2\t\r\r", DECL u"<ROW>\r<a>1</a>\r</ROW>\r"},
       {"MissingFieldsAreEmpty", u"a\tb\t\r1\r\r", DECL u"<ROW>\r<a>1</a>\r<b></b>\r</ROW>\r"},
-      {"ValuesAreWrittenRaw", u"a\t\rx<&\t\r\r", DECL u"<ROW>\r<a>x<&</a>\r</ROW>\r"},
-      {"Empty", u"", DECL},
+      {"ValuesAreWrittenRaw", u"a\t\rx<&\t\r\r", DECL u"<ROW>\r<a>x<&</a>\r</ROW>\r"}, {"Empty", u"", DECL},
   };
   ExpectEach(cases, ExportXML);
 }

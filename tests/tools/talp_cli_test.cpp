@@ -2,7 +2,6 @@
 // provider that records what it is asked.
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -27,33 +26,26 @@ class RecordingRemote final : public ITALPRemote {
 
   int GetDatabaseList(PMString d, WideString& r) override { return Answer(r, "databases", d); }
   int GetTableList(PMString d, WideString& r) override { return Answer(r, "tables", d); }
-  int GetColumnList(PMString d, WideString styling, WideString& r) override {
-    return Answer(r, "columns", d, styling);
-  }
-  int GetRecordList(PMString d, WideString& r, PMString search, long p4) override {
-    return Answer(r, "list", d, search, p4);
-  }
+  int GetColumnList(PMString d, WideString s, WideString& r) override { return Answer(r, "columns", d, s); }
+  int GetRecordList(PMString d, WideString& r, PMString q, long p4) override { return Answer(r, "list", d, q, p4); }
   int GetRecordLoop(PMString d, WideString& r, PMString where) override { return Answer(r, "loop", d, where); }
-  int GetSpecificRecord(PMString d, PMString key, WideString styling, WideString& r) override {
-    return Answer(r, "record", d, key, styling);
+  int GetSpecificRecord(PMString d, PMString k, WideString s, WideString& r) override {
+    return Answer(r, "record", d, k, s);
   }
-  int SendUpdateBaseFieldWithInfo(WideString value, PMString field, PMString keyValue, PMString host, int port,
-                                  PMString user, PMString password, PMString database, PMString table,
-                                  PMString keyField, PMString type, PMString dsn, PMString file) override {
-    return Answer(none_, "update", value, field, keyValue, host, port, user, password, database, table, keyField,
-                  type, dsn, file);
+  int SendUpdateBaseFieldWithInfo(WideString v, PMString f, PMString k, PMString h, int port, PMString u, PMString pw,
+                                  PMString db, PMString t, PMString kf, PMString type, PMString dsn,
+                                  PMString file) override {
+    return Answer(none_, "update", v, f, k, h, port, u, pw, db, t, kf, type, dsn, file);
   }
-  int SendConnectWithInfoSQL(WideString statement, PMString host, int port, PMString user, PMString password,
-                             PMString database, PMString extra) override {
-    return Answer(none_, "sql", statement, host, port, user, password, database, extra);
+  int SendConnectWithInfoSQL(WideString statement, PMString h, int port, PMString u, PMString pw, PMString db,
+                             PMString extra) override {
+    return Answer(none_, "sql", statement, h, port, u, pw, db, extra);
   }
-  void SendUsingHttpPost(PMString url, int port, PMString file, PMString value, PMString name) override {
-    Answer(none_, "upload", url, port, file, value, name);
+  void SendUsingHttpPost(PMString url, int port, PMString file, PMString v, PMString name) override {
+    Answer(none_, "upload", url, port, file, v, name);
   }
   void GetUsingHttpPost(PMString url, int port, WideString& r) override { Answer(r, "get", url, port); }
-  void GetGroupDataLoop(PMString d, WideString styling, WideString& r, PMString query) override {
-    Answer(r, "group", d, styling, query);
-  }
+  void GetGroupDataLoop(PMString d, WideString s, WideString& r, PMString q) override { Answer(r, "group", d, s, q); }
 
   std::vector<std::string> calls;
   int status = 0;
@@ -84,87 +76,68 @@ TalpRun Talp(std::vector<std::string> args, bool terminal = false, const char* e
   return {exitStatus, out.str(), err.str(), remote.calls};
 }
 
-struct CallCase {
-  const char* name;
-  friend void PrintTo(const CallCase& c, std::ostream* os) { *os << c.name; }
-  std::vector<std::string> args;
-  std::string call;
-};
-
-class TalpOperations : public testing::TestWithParam<CallCase> {};
-
-TEST_P(TalpOperations, CallTheProviderOperation) {
-  const TalpRun run = Talp(GetParam().args);
-  EXPECT_EQ(run.err, "");
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.calls, std::vector<std::string>{GetParam().call});
+TEST(TalpOperations, CallTheProviderOperation) {
+  const struct {
+    const char* name;
+    std::vector<std::string> args;
+    std::string call;
+    const char* envPassword = nullptr;
+  } cases[] = {
+      {"Databases", {"databases", "--host", "db", "--port", "3307"}, "databases db;3307"},
+      {"Columns", {"columns", "--type", "File", "--file", "/d/a.txt", "--styling", "a\tb"},
+       "columns ;;;;;;;;;File;;/d/a.txt|a\tb"},
+      {"List", {"list", "--search", "nut", "--key", "id", "--sort", "name"}, "list ;;;;;;id;;;;;;;;;;;;;;name|nut|0"},
+      {"Loop", {"loop", "--where=where name LIKE 'n%'", "-d", "x"}, "loop x|where name LIKE 'n%'"},
+      {"Record", {"record", "42", "--styling", "s"}, "record |42|s"},
+      {"Group", {"group", "--query", "q", "--group", "cat", "--contents", "[name]"},
+       "group ;;;;;;;;;;;;;cat;[name]||q"},
+      {"Update",
+       {"update", "bolt", "--field", "name", "--key-value", "7", "-d", "h;3306;u;pw;db;parts;id;;;File;dsn;/d/p.txt"},
+       "update bolt|name|7|h|3306|u|pw|db|parts|id|File|dsn|/d/p.txt"},
+      {"Sql", {"sql", "DELETE FROM t", "--host", "h", "--user", "u", "--extra", "x"}, "sql DELETE FROM t|h|0|u|||x"},
+      {"Upload",
+       {"upload", "http://h/in", "--port", "8080", "--file", "/d/a.jpg", "--filepath-value", "v", "--name", "a.jpg"},
+       "upload http://h/in|8080|/d/a.jpg|v|a.jpg"},
+      {"Get", {"get", "http://h/list", "--port", "81"}, "get http://h/list|81"},
+      // Named fields override the raw descriptor's; the rest stays as given.
+      {"FieldOverridesRaw", {"tables", "-d", "a;b;c;d;e", "--user", "bob"}, "tables a;b;bob;d;e"},
+      {"RawKeptExactly", {"tables", "-d", " spaced ;;"}, "tables  spaced ;;"},
+      {"DoubleDashEndsOptions", {"record", "--", "-5"}, "record |-5|"},
+      {"PasswordFromEnvironment", {"databases"}, "databases ;;;s3cret", "s3cret"},
+      {"PasswordOptionBeatsEnvironment", {"databases", "--password", "other"}, "databases ;;;other", "s3cret"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const TalpRun run = Talp(c.args, false, c.envPassword);
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.calls, std::vector<std::string>{c.call});
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, TalpOperations,
-    testing::Values(
-        CallCase{"Databases", {"databases", "--host", "db", "--port", "3307"}, "databases db;3307"},
-        CallCase{"Columns", {"columns", "--type", "File", "--file", "/d/a.txt", "--styling", "a\tb"},
-                 "columns ;;;;;;;;;File;;/d/a.txt|a\tb"},
-        CallCase{"List", {"list", "--search", "nut", "--key", "id", "--sort", "name"},
-                 "list ;;;;;;id;;;;;;;;;;;;;;name|nut|0"},
-        CallCase{"Loop", {"loop", "--where=where name LIKE 'n%'", "-d", "x"}, "loop x|where name LIKE 'n%'"},
-        CallCase{"Record", {"record", "42", "--styling", "s"}, "record |42|s"},
-        CallCase{"Group", {"group", "--query", "q", "--group", "cat", "--contents", "[name]"},
-                 "group ;;;;;;;;;;;;;cat;[name]||q"},
-        CallCase{"Update",
-                 {"update", "bolt", "--field", "name", "--key-value", "7", "-d",
-                  "h;3306;u;pw;db;parts;id;;;File;dsn;/d/p.txt"},
-                 "update bolt|name|7|h|3306|u|pw|db|parts|id|File|dsn|/d/p.txt"},
-        CallCase{"Sql", {"sql", "DELETE FROM t", "--host", "h", "--user", "u", "--extra", "x"},
-                 "sql DELETE FROM t|h|0|u|||x"},
-        CallCase{"Upload",
-                 {"upload", "http://h/in", "--port", "8080", "--file", "/d/a.jpg", "--filepath-value", "v",
-                  "--name", "a.jpg"},
-                 "upload http://h/in|8080|/d/a.jpg|v|a.jpg"},
-        CallCase{"Get", {"get", "http://h/list", "--port", "81"}, "get http://h/list|81"},
-        // Named fields override the raw descriptor's; the rest stays as given.
-        CallCase{"FieldOverridesRaw", {"tables", "-d", "a;b;c;d;e", "--user", "bob"}, "tables a;b;bob;d;e"},
-        CallCase{"RawKeptExactly", {"tables", "-d", " spaced ;;"}, "tables  spaced ;;"},
-        CallCase{"DoubleDashEndsOptions", {"record", "--", "-5"}, "record |-5|"}),
-    [](const testing::TestParamInfo<CallCase>& p) { return std::string(p.param.name); });
-
-struct UsageCase {
-  const char* name;
-  friend void PrintTo(const UsageCase& c, std::ostream* os) { *os << c.name; }
-  std::vector<std::string> args;
-  std::string reason;
-};
-
-class TalpUsageErrors : public testing::TestWithParam<UsageCase> {};
-
-TEST_P(TalpUsageErrors, ExitWithTwoAndAReason) {
-  const TalpRun run = Talp(GetParam().args);
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err, "talp: " + GetParam().reason + "\nTry 'talp --help' for more information.\n");
-  EXPECT_TRUE(run.calls.empty());
-  EXPECT_EQ(run.out, "");
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, TalpUsageErrors,
-    testing::Values(UsageCase{"NoOperation", {}, "no operation given"},
-                    UsageCase{"UnknownOperation", {"fetch"}, "unknown operation 'fetch'"},
-                    UsageCase{"UnknownOption", {"tables", "--colour", "x"}, "unknown option '--colour'"},
-                    UsageCase{"MissingValue", {"tables", "--host"}, "option '--host' needs a value"},
-                    UsageCase{"MissingArgument", {"record"}, "'record' needs one argument: KEYVALUE"},
-                    UsageCase{"ExtraArgument", {"tables", "x"}, "'tables' takes no argument"},
-                    UsageCase{"ForeignOption", {"columns", "--where", "x"}, "option --where does not apply to 'columns'"},
-                    UsageCase{"SemicolonInField", {"tables", "--table", "a;b"},
-                              "the value of --table cannot hold ';', which separates descriptor fields"},
-                    UsageCase{"MissingOptionFile", {"loop", "--where", "@/no/such/file"},
-                              "cannot read the file '/no/such/file' given to --where"}),
-    [](const testing::TestParamInfo<UsageCase>& p) { return std::string(p.param.name); });
-
-TEST(TalpPassword, ComesFromTheEnvironmentUnlessGiven) {
-  EXPECT_EQ(Talp({"databases"}, false, "s3cret").calls, std::vector<std::string>{"databases ;;;s3cret"});
-  EXPECT_EQ(Talp({"databases", "--password", "other"}, false, "s3cret").calls,
-            std::vector<std::string>{"databases ;;;other"});
+TEST(TalpUsageErrors, ExitWithTwoAndAReason) {
+  const struct {
+    std::vector<std::string> args;
+    std::string reason;
+  } cases[] = {
+      {{}, "no operation given"},
+      {{"fetch"}, "unknown operation 'fetch'"},
+      {{"tables", "--colour", "x"}, "unknown option '--colour'"},
+      {{"tables", "--host"}, "option '--host' needs a value"},
+      {{"record"}, "'record' needs one argument: KEYVALUE"},
+      {{"tables", "x"}, "'tables' takes no argument"},
+      {{"columns", "--where", "x"}, "option --where does not apply to 'columns'"},
+      {{"tables", "--table", "a;b"}, "the value of --table cannot hold ';', which separates descriptor fields"},
+      {{"loop", "--where", "@/no/such/file"}, "cannot read the file '/no/such/file' given to --where"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.reason);
+    const TalpRun run = Talp(c.args);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, "talp: " + c.reason + "\nTry 'talp --help' for more information.\n");
+    EXPECT_TRUE(run.calls.empty());
+    EXPECT_EQ(run.out, "");
+  }
 }
 
 TEST(TalpOptionFiles, AtReadsTheFileExactly) {
@@ -201,18 +174,11 @@ TEST(TalpHelp, PrintsUsage) {
   EXPECT_TRUE(run.calls.empty());
 }
 
-
 TEST(TalpProgress, FormatsPercentOrCount) {
   EXPECT_EQ(FormatProgress("records", 50, 200), "records 25%");
   EXPECT_EQ(FormatProgress("records", 300, 200), "records 100%");
   EXPECT_EQ(FormatProgress("records", 7, 0), "records 7");
 }
-
-}  // namespace
-}  // namespace talp::cli
-
-namespace talp::cli {
-namespace {
 
 TEST(TalpStyle, ShowsEachComputedFieldWithItsName) {
   const std::string doc =

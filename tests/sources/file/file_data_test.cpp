@@ -24,10 +24,7 @@ class FileDataTest : public testing::Test {
 };
 
 TEST_F(FileDataTest, MergeDelimiterPicksTheStrictlyMostFrequent) {
-  const struct {
-    const char* name;
-    std::string line, want;
-  } cases[] = {
+  const struct { const char* name; std::string line, want; } cases[] = {
       {"Tabs", "a\tb\tc", "\t"},
       {"Commas", "a,b,c;d", ","},
       {"Semicolons", "a;b;c,d", ";"},
@@ -44,12 +41,8 @@ TEST_F(FileDataTest, MergeDelimiterPicksTheStrictlyMostFrequent) {
 }
 
 TEST_F(FileDataTest, HeaderIndexFallsBackToTheLastColumn) {
-  const struct {
-    const char* name;
-    bool byLines;  // FindIndexInLineHeader (CR) rather than FindIndexInHeader (TAB)
-    std::string list, field;
-    long index;
-  } cases[] = {
+  // byLines: FindIndexInLineHeader (CR) rather than FindIndexInHeader (TAB).
+  const struct { const char* name; bool byLines; const char *list, *field; long index; } cases[] = {
       {"Middle", false, "name\tprice\tstock", "price", 2},
       {"LastIsNeverCompared", false, "name\tprice\tstock", "stock", 3},
       {"UnknownGivesLast", false, "name\tprice\tstock", "colour", 3},
@@ -62,61 +55,43 @@ TEST_F(FileDataTest, HeaderIndexFallsBackToTheLastColumn) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    const WideString list(c.list);
-    EXPECT_EQ(c.byLines ? static_cast<long>(FindIndexInLineHeader(list, PMString(c.field)))
-                        : FindIndexInHeader(list, PMString(c.field)),
-              c.index);
+    EXPECT_EQ(c.byLines ? long{FindIndexInLineHeader(c.list, c.field)} : FindIndexInHeader(c.list, c.field), c.index);
   }
 }
 
+// The data comes in TABs and CRs whatever the form; the column list is its header, by CR.
 TEST_F(FileDataTest, ReadsEveryFormIntoTabsAndCRs) {
-  const struct {
-    const char* name;
-    std::string bytes, data;
-  } cases[] = {
-      {"TabUsedAsRead", "id\tname\n1\ta,b;c\n", "id\tname\r1\ta,b;c\r"},
-      {"CommaQuoted", "id,name\r\n1,\"Nut, M4\"\r\n2,\"say \"\"hi\"\"\"\r\n", "id\tname\r1\tNut, M4\r2\tsay \"hi\"\r"},
-      {"Semicolon", "\xEF\xBB\xBFid;name\n1;Bolt\n", "id\tname\r1\tBolt\r"},
-      {"QuotedLineBreakStaysInTheRecord", "id,note\n1,\"two\nlines\"\n", "id\tnote\r1\ttwo<br>lines\r"},
-      {"TieReadsAsOneColumn", "a,b;c\n1,2;3\n", "a,b;c\r1,2;3\r"},
+  const struct { const char* name; std::string bytes, data, columns; } cases[] = {
+      {"TabUsedAsRead", "id\tname\n1\ta,b;c\n", "id\tname\r1\ta,b;c\r", "id\rname"},
+      {"CommaQuoted", "id,\"name, EUR\"\r\n1,\"Nut, M4\"\r\n2,\"say \"\"hi\"\"\"\r\n",
+       "id\tname, EUR\r1\tNut, M4\r2\tsay \"hi\"\r", "id\rname, EUR"},
+      {"Semicolon", "\xEF\xBB\xBFid;name\n1;Bolt\n", "id\tname\r1\tBolt\r", "id\rname"},
+      {"QuotedLineBreakStaysInTheRecord", "id,note\n1,\"two\nlines\"\n", "id\tnote\r1\ttwo<br>lines\r", "id\rnote"},
+      {"TieReadsAsOneColumn", "a,b;c\n1,2;3\n", "a,b;c\r1,2;3\r", "a,b;c"},
       {"XmlTable", XML_DECL "\n<ROW>\n<id>1</id>\n<name>A &amp;quot; B~br~C</name>\n</ROW>\n",
-       "id\tname\r1\tA &quot; B<br>C"},
+       "id\tname\r1\tA &quot; B<br>C", "id\rname"},
+      // A text of one character has no counted line but is its own header.
+      {"OneCharacter", "\xEF\xBB\xBF" "a", "a", "a"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     Spit(folder / c.name, c.bytes);
-    WideString data;
+    WideString data, columns("old");
     GetFileData(folder.Path(c.name), data);
     EXPECT_EQ(data.ToUTF8(), c.data);
+    EXPECT_EQ(fetchColumnListFile(folder.Path(c.name), columns), 0);
+    EXPECT_EQ(columns.ToUTF8(), c.columns);
     EXPECT_EQ(Slurp(folder / c.name), c.bytes);  // reading never changes a file
   }
-}
-
-TEST_F(FileDataTest, MissingFileLeavesDataAndGivesEmptyColumns) {
-  WideString data("kept");
+  // A missing file leaves the data alone and has no columns.
+  WideString data("kept"), columns("old");
   GetFileData(folder.Path("missing"), data);
-  EXPECT_EQ(data.ToUTF8(), "kept");
-  WideString columns("old");
   EXPECT_EQ(fetchColumnListFile(folder.Path("missing"), columns), 0);
-  EXPECT_EQ(columns.ToUTF8(), "");
-}
-
-TEST_F(FileDataTest, ColumnListIsTheHeaderByCR) {
-  Spit(folder / "c.csv", "sku,name,\"price, EUR\"\n1,a,2\n");
-  WideString columns;
-  EXPECT_EQ(fetchColumnListFile(folder.Path("c.csv"), columns), 0);
-  EXPECT_EQ(columns.ToUTF8(), "sku\rname\rprice, EUR");
-  // A text of one character has no counted line but is its own header.
-  Spit(folder / "one.txt", "\xEF\xBB\xBF" "a");
-  EXPECT_EQ(fetchColumnListFile(folder.Path("one.txt"), columns), 0);
-  EXPECT_EQ(columns.ToUTF8(), "a");
+  EXPECT_EQ(data.ToUTF8() + "|" + columns.ToUTF8(), "kept|");
 }
 
 TEST_F(FileDataTest, SaveKeepsDelimiterFormAndEncoding) {
-  const struct {
-    const char* name;
-    std::string before, content, after;
-  } cases[] = {
+  const struct { const char* name; std::string before, content, after; } cases[] = {
       {"NewFileIsUtf8", "", "a\tb\r1\t2\r", "\xEF\xBB\xBF" "a\tb\r1\t2\r"},
       {"TabAnsi", "a\tb\n", "a\tb\r\xC3\xA9\t2\r", "a\tb\r\xE9\t2\r"},
       {"CommaStaysComma", "a,b\n", "a\tb\r1\tx, y\r", "a,b\r1,\"x, y\"\r"},
@@ -148,13 +123,13 @@ TEST_F(FileDataTest, TablesRoundTripThroughEveryForm) {
   const auto pick = [&random](std::size_t n) { return std::uniform_int_distribution<std::size_t>(0, n - 1)(random); };
   for (int round = 0; round < 200; ++round) {
     const std::string& form = forms[round % std::size(forms)];
-    const std::size_t columns = (form == forms[0] ? 1 : 2) + pick(3);
+    const bool xml = form == forms[0];
+    const std::size_t columns = (xml ? 1 : 2) + pick(3);
     std::string table;
     for (std::size_t c = 0; c < columns; ++c) table.append(c ? "\t" : "").append(names[pick(std::size(names))]);
     for (std::size_t r = 1 + pick(4); r > 0; --r) {
-      table += '\r';
       for (std::size_t c = 0; c < columns; ++c) {
-        if (c) table += '\t';
+        table += c ? '\t' : '\r';
         for (std::size_t k = pick(4); k > 0; --k) table.append(pieces[pick(std::size(pieces))]);
       }
     }
@@ -163,7 +138,7 @@ TEST_F(FileDataTest, TablesRoundTripThroughEveryForm) {
     SaveFileData(folder.Path("t"), WideString(table + "\r"));
     WideString data;
     GetFileData(folder.Path("t"), data);
-    ASSERT_EQ(data.ToUTF8(), table + (form == forms[0] ? "" : "\r"));
+    ASSERT_EQ(data.ToUTF8(), table + (xml ? "" : "\r"));
   }
 }
 

@@ -21,31 +21,31 @@ class FileQueriesTest : public testing::Test {
   test::TempFolder folder;
 };
 
+// The record list of the remote shows the key and sort columns of the same records.
 TEST_F(FileQueriesTest, RecordLoopAppendsTheSelectedRecordsAfterTheHeader) {
-  const struct {
-    const char* name;
-    std::string condition, want;
-  } cases[] = {
-      {"Everything", "", "7\tnut\t5\r8\tBolt\t2\r9\tsmith nut\t1\r"},
-      {"WordInAnyColumnAnyCase", "NUT", "7\tnut\t5\r9\tsmith nut\t1\r"},
+  const struct { const char* name; std::string condition, want, list; } cases[] = {
+      {"Everything", "", "7\tnut\t5\r8\tBolt\t2\r9\tsmith nut\t1\r", "nut\t5\rBolt\t2\rsmith nut\t1\r"},
+      {"WordInAnyColumnAnyCase", "NUT", "7\tnut\t5\r9\tsmith nut\t1\r", "nut\t5\rsmith nut\t1\r"},
       // The clause is tested against the first column, whatever field it names.
-      {"WhereTestsTheFirstColumn", "where name = '8'", "8\tBolt\t2\r"},
-      {"NothingSelected", "zzz", ""},
+      {"WhereTestsTheFirstColumn", "where name = '8'", "8\tBolt\t2\r", "Bolt\t2\r"},
+      // No record is one empty line, which still gives an entry in the list.
+      {"NothingSelected", "zzz", "", "\t\r"},
   };
+  TALPRemote remote;
+  const PMString descriptor(";;;;;;name;;;File;;" + (folder / "c.txt").string() + ";;;;;;;;;qty");
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    WideString result("before\r");
+    WideString result("before\r"), list("old");
     EXPECT_EQ(fetchRecordLoopFile(folder.Path("c.txt"), PMString(c.condition), result), 0);
     EXPECT_EQ(result.ToUTF8(), "before\r" + c.want);
+    EXPECT_EQ(remote.GetRecordList(descriptor, list, PMString(c.condition), 0), 0);
+    EXPECT_EQ(list.ToUTF8(), c.list);
   }
 }
 
 // The scan starts at the header and never reaches the last record.
 TEST_F(FileQueriesTest, SpecificRecordScansFromTheHeaderAndNeverReachesTheLastRecord) {
-  const struct {
-    const char* name;
-    std::string key, keyValue, styling, start, want;
-  } cases[] = {
+  const struct { const char *name, *key, *keyValue, *styling, *start, *want; } cases[] = {
       {"Found", "id", "8", "", "", "8\rBolt\r2"},
       {"KeyEqualToColumnNameGivesHeader", "id", "id", "", "", "id\rname\rqty"},
       {"LastRecordIsNeverFound", "id", "9", "", "old\tvalue", "old\rvalue"},
@@ -57,19 +57,15 @@ TEST_F(FileQueriesTest, SpecificRecordScansFromTheHeaderAndNeverReachesTheLastRe
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     WideString result(c.start);
-    EXPECT_EQ(fetchSpecificRecordFile(folder.Path("c.txt"), PMString(c.key), PMString(c.keyValue),
-                                      WideString(c.styling), result),
-              0);
+    EXPECT_EQ(fetchSpecificRecordFile(folder.Path("c.txt"), c.key, c.keyValue, c.styling, result), 0);
     EXPECT_EQ(result.ToUTF8(), c.want);
   }
 }
 
 TEST_F(FileQueriesTest, UpdateRewritesEveryMatchingRecord) {
-  const struct {
-    const char* name;
-    std::string before, field, keyField, keyValue, value, after;
-  } cases[] = {
-      {"EscapesTheValue", "id\tname\tqty\r7\tnut\t5", "name", "id", "7", "bolt\tM4", "id\tname\tqty\r7\tbolt<tb>M4\t\r"},
+  const struct { const char *name, *before, *field, *keyField, *keyValue, *value, *after; } cases[] = {
+      {"EscapesTheValue", "id\tname\tqty\r7\tnut\t5", "name", "id", "7", "bolt\tM4",
+       "id\tname\tqty\r7\tbolt<tb>M4\t\r"},
       // The rebuilt record loses its last field; aimed at it, nothing is written.
       {"LastFieldIsDropped", "id\tname\tqty\r7\tnut\t5", "qty", "id", "7", "9", "id\tname\tqty\r7\tnut\t\r"},
       {"LineBreaksBecomeMarkers", "id\tname\tqty\r7\tnut\t5\r", "name", "id", "7", "a\r\nb",
@@ -81,22 +77,10 @@ TEST_F(FileQueriesTest, UpdateRewritesEveryMatchingRecord) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    if (!c.before.empty()) Spit(folder / c.name, c.before);
-    EXPECT_EQ(updateBaseFieldWithInfoFile(WideString(c.value), PMString(c.field), PMString(c.keyField),
-                                          PMString(c.keyValue), folder.Path(c.name)),
-              0);
+    if (*c.before) Spit(folder / c.name, c.before);
+    EXPECT_EQ(updateBaseFieldWithInfoFile(c.value, c.field, c.keyField, c.keyValue, folder.Path(c.name)), 0);
     EXPECT_EQ(Slurp(folder / c.name), c.after);
   }
-}
-
-TEST_F(FileQueriesTest, RecordListGivesKeyAndSortColumnsOfTheSelectedRecords) {
-  TALPRemote remote;
-  const PMString descriptor(";;;;;;name;;;File;;" + (folder / "c.txt").string() + ";;;;;;;;;qty");
-  WideString list;
-  EXPECT_EQ(remote.GetRecordList(descriptor, list, PMString("nut"), 0), 0);
-  EXPECT_EQ(list.ToUTF8(), "nut\t5\rsmith nut\t1\r");
-  EXPECT_EQ(remote.GetRecordList(descriptor, list, PMString(), 0), 0);
-  EXPECT_EQ(list.ToUTF8(), "nut\t5\rBolt\t2\rsmith nut\t1\r");
 }
 
 }  // namespace

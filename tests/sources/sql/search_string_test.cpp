@@ -17,10 +17,7 @@ class SearchString : public test::MySqlTest {
 
 TEST_F(SearchString, ClassifiesTheInputByItsFirstCharacters) {
   Exec("CREATE TABLE tt (a INT, b TEXT, c TEXT)");
-  const struct {
-    const char* input;
-    const char* expected;
-  } cases[] = {
+  const struct { const char *input, *expected, *table = "tt"; } cases[] = {
       {"", ""},
       {"SELECT * FROM tt", "SELECT * FROM tt"},
       {"WHERE id=3", " WHERE id=3"},
@@ -32,19 +29,16 @@ TEST_F(SearchString, ClassifiesTheInputByItsFirstCharacters) {
       // Trusted text: the quote is not escaped.
       {"o'brien", " WHERE a LIKE '%o'brien%' OR b LIKE '%o'brien%' OR c LIKE '%o'brien%'"},
       {"50%_", " WHERE a LIKE '%50%_%' OR b LIKE '%50%_%' OR c LIKE '%50%_%'"},
+      // Without columns the condition is empty; a one-character table name lists none.
+      {"x", " WHERE ", "missing"},
+      {"x", " WHERE ", "t"},
   };
-  for (const auto& c : cases) EXPECT_EQ(Build("tt", c.input), c.expected) << c.input;
-}
-
-TEST_F(SearchString, WithoutColumnsTheConditionIsEmpty) {
-  EXPECT_EQ(Build("missing", "x"), " WHERE ");
-  EXPECT_EQ(Build("t", "x"), " WHERE ");  // a one-character table name lists no columns
+  for (const auto& c : cases) EXPECT_EQ(Build(c.table, c.input), c.expected) << c.input << " in " << c.table;
 }
 
 TEST_F(SearchString, FindsWordsInAnyColumn) {
   Exec("CREATE TABLE goods (id INT, name TEXT); INSERT INTO goods VALUES (1, 'hammer'), (2, 'drill'), (31, 'x')");
-  const std::string condition = Build("goods", "ll");
-  EXPECT_EQ(Rows("SELECT id FROM goods" + condition), std::vector<std::string>{"2"});
+  EXPECT_EQ(Rows("SELECT id FROM goods" + Build("goods", "ll")), std::vector<std::string>{"2"});
   EXPECT_EQ(Rows("SELECT id FROM goods" + Build("goods", "3")), std::vector<std::string>{"31"});
 }
 

@@ -8,67 +8,83 @@
 namespace talp {
 namespace {
 
-int RefusedPort() {
-  static const test::RefusingPort port;
-  return port.Port();
-}
-
 class SqlCatalogue : public test::MySqlTest {};
 
+// The server lists information_schema first, and the first database is dropped.
 TEST_F(SqlCatalogue, DatabaseListDropsTheFirstDatabaseTheServerLists) {
-  const std::string only = CreateUser("db", "pw1");
-  WideString result("untouched");
-  EXPECT_EQ(fetchDatabaseListSQL(host, port, PMString(only), "pw1", result), 0);
-  // The user sees information_schema and its database; the first is dropped.
-  EXPECT_EQ(result.ToUTF8(), database.GrabCString() + "\r");
-}
-
-TEST_F(SqlCatalogue, DatabaseListOfAUserWhoSeesOneDatabaseIsEmpty) {
-  const std::string none = CreateUser("none", "pw2");
+  const std::string only = CreateUser("db", "pw"), none = CreateUser("none", "pw");
   Exec("REVOKE ALL ON " + database.GrabCString() + ".* FROM '" + none + "'@'%'");
   WideString result("untouched");
-  EXPECT_EQ(fetchDatabaseListSQL(host, port, PMString(none), "pw2", result), 0);
+  EXPECT_EQ(fetchDatabaseListSQL(host, port, PMString(only), "pw", result), 0);
+  EXPECT_EQ(result.ToUTF8(), database.GrabCString() + "\r");
+  // A user who sees one database only has an empty list.
+  EXPECT_EQ(fetchDatabaseListSQL(host, port, PMString(none), "pw", result), 0);
   EXPECT_EQ(result.ToUTF8(), "");
 }
 
+// Every operation leaves its handle in the shared slot.
 TEST_F(SqlCatalogue, TableListNamesEveryTable) {
   Exec("CREATE TABLE b (x INT); CREATE TABLE a (x INT); CREATE TABLE `t\xC3\xB6` (x INT)");
+  pConnection = nullptr;
   WideString result;
   EXPECT_EQ(fetchTableListSQL(host, port, user, password, database, result), 0);
   EXPECT_EQ(result.ToUTF8(), "a\rb\rt\xC3\xB6\r");
+  EXPECT_NE(pConnection, nullptr);
 }
 
+// A failed column list leaves the output alone and shows the server's message
+// naming the culprit, or nothing for a one-character table name, which never
+// gets as far as connecting.
 TEST_F(SqlCatalogue, ColumnListOfATableOrOfAStatement) {
-  Exec("CREATE TABLE tt (id INT, name TEXT, price DECIMAL(8,2))");
-  struct Case {
-    const char* table;
-    const char* query;
-    const char* expected;
-  } cases[] = {
+  Exec("CREATE TABLE tt (id INT, name TEXT, price DECIMAL(8,2)); CREATE TABLE t (id INT)");
+  const test::RefusingPort refused;
+  const struct { const char *table, *query, *expected, *named = nullptr; int port = 0; } cases[] = {
       {"tt", "", "id\rname\rprice\r"},
       {"tt", "SELECT price, id AS k FROM tt", "price\rk\r"},
       {"tt", "select id from tt", "id\rname\rprice\r"},  // not upper case: the table's fields
       {"tt", "SELECTid FROM tt", "id\rname\rprice\r"},
       {"no table", "SELECT 1 AS one, 'x' AS \xC3\xA9t\xC3\xA9", "one\r\xC3\xA9t\xC3\xA9\r"},
+      {"missing", "", "untouched", "missing"},
+      {"tt", "SELECT nope FROM nowhere", "untouched", "nowhere"},
+      {"t", "", "untouched"},
+      {"t", "", "untouched", nullptr, refused.Port()},
   };
-  for (const Case& c : cases) {
-    WideString result;
-    EXPECT_EQ(fetchColumnListSQL(host, port, user, password, database, c.table, c.query, result), 0) << c.query;
-    EXPECT_EQ(result.ToUTF8(), c.expected) << c.query;
+  for (const auto& c : cases) {
+    alerts.alerts.clear();
+    WideString result("untouched");
+    const int status = fetchColumnListSQL(host, c.port ? c.port : port, user, password, database, c.table, c.query,
+                                          result);
+    EXPECT_EQ(status, std::string(c.expected) == "untouched" ? 1 : 0) << c.table << " " << c.query;
+    EXPECT_EQ(result.ToUTF8(), c.expected) << c.table << " " << c.query;
+    ASSERT_EQ(alerts.alerts.size(), c.named ? 1U : 0U) << c.table;
+    if (c.named) {
+      EXPECT_NE(alerts.alerts[0].find(c.named), std::string::npos) << alerts.alerts[0];
+    }
   }
-  EXPECT_TRUE(alerts.alerts.empty());
 }
 
-// Every failure row of the catalogue: status, alerts, output left alone.
+// A rejected statement is shown twice.
+TEST_F(SqlCatalogue, ConnectWithInfoRunsTheStatementAndDiscardsRows) {
+  Exec("CREATE TABLE t (id INT)");
+  EXPECT_EQ(ConnectWithInfoSQL("INSERT INTO t VALUES (7), (8)", host, port, user, password, database, ""), 0);
+  EXPECT_EQ(ConnectWithInfoSQL("SELECT * FROM t", host, port, user, password, database, ""), 0);
+  EXPECT_EQ(Rows("SELECT id FROM t ORDER BY id"), (std::vector<std::string>{"7", "8"}));
+  EXPECT_TRUE(alerts.alerts.empty());
+  EXPECT_EQ(ConnectWithInfoSQL("DROP TABLE nowhere", host, port, user, password, database, "ignored"), 0);
+  ASSERT_EQ(alerts.alerts.size(), 2U);
+  EXPECT_NE(alerts.alerts[0].find("nowhere"), std::string::npos) << alerts.alerts[0];
+  EXPECT_EQ(alerts.alerts[1], alerts.alerts[0]);
+}
+
+// Failures across the catalogue: status, alerts, output left alone.
 class SqlFailures : public test::MySqlTest {};
 
 // A refused port, a wrong password and an unknown database fail the connect:
 // only the database list says so.
 TEST_F(SqlFailures, FailedConnect) {
-  const struct {
-    int port;
-    const char *password, *database;
-  } cases[] = {{RefusedPort(), nullptr, nullptr}, {port, "not-the-password", nullptr}, {port, nullptr, "no_such_db"}};
+  const test::RefusingPort refused;
+  const struct { int port; const char *password, *database; } cases[] = {
+      {refused.Port(), nullptr, nullptr}, {port, "not-the-password", nullptr}, {port, nullptr, "no_such_db"}};
   for (const auto& c : cases) {
     alerts.alerts.clear();
     const PMString secret = c.password ? PMString(c.password) : password;
@@ -80,9 +96,7 @@ TEST_F(SqlFailures, FailedConnect) {
     EXPECT_EQ(fetchColumnListSQL(host, c.port, user, secret, base, "tt", "", result), 0);
     EXPECT_EQ(ConnectWithInfoSQL("SELECT 1", host, c.port, user, secret, base, ""), 0);
     EXPECT_EQ(result.ToUTF8(), "untouched");
-    const std::vector<std::string> expected =
-        c.database ? std::vector<std::string>{} : std::vector<std::string>{"NOT CONNECTED TO BASE"};
-    EXPECT_EQ(alerts.alerts, expected);
+    EXPECT_EQ(alerts.alerts, std::vector<std::string>(c.database ? 0 : 1, "NOT CONNECTED TO BASE"));
   }
 }
 
@@ -94,9 +108,8 @@ TEST_F(SqlFailures, LongNamesAreRefusedNotOverrun) {
   EXPECT_EQ(fetchDatabaseListSQL(host, port, PMString(longName), PMString(longName), result), 1);
   EXPECT_EQ(fetchTableListSQL(host, port, user, password, PMString(longName), result), 1);
   for (const std::size_t length : {100, 256, 257, 400, 1000}) {
-    EXPECT_EQ(fetchColumnListSQL(host, port, user, password, database, PMString(longName.substr(0, length)), "",
-                                 result),
-              1);
+    const PMString table(longName.substr(0, length));
+    EXPECT_EQ(fetchColumnListSQL(host, port, user, password, database, table, "", result), 1);
   }
   EXPECT_EQ(fetchSpecificRecordSQL(host, port, user, password, database, PMString(longName), "id", "1", "", "", "",
                                    result),
@@ -104,40 +117,6 @@ TEST_F(SqlFailures, LongNamesAreRefusedNotOverrun) {
   EXPECT_EQ(result.ToUTF8(), "untouched");
   ASSERT_EQ(alerts.alerts.size(), 6U);
   for (std::size_t i = 1; i < 6; ++i) EXPECT_TRUE(alerts.alerts[i].starts_with("Incorrect table name 'xxx"));
-}
-
-// Column-list failures: the server's message naming the culprit, or nothing
-// for a one-character table name, which never gets as far as connecting.
-TEST_F(SqlFailures, ColumnList) {
-  Exec("CREATE TABLE t (id INT)");
-  const struct {
-    const char *table, *query, *named;
-    bool refusedPort;
-  } cases[] = {
-      {"missing", "", "missing", false},
-      {"tt", "SELECT nope FROM nowhere", "nowhere", false},
-      {"t", "", nullptr, false},
-      {"t", "", nullptr, true},
-  };
-  for (const auto& c : cases) {
-    alerts.alerts.clear();
-    WideString result("untouched");
-    EXPECT_EQ(fetchColumnListSQL(host, c.refusedPort ? RefusedPort() : port, user, password, database, c.table,
-                                 c.query, result),
-              1);
-    EXPECT_EQ(result.ToUTF8(), "untouched");
-    ASSERT_EQ(alerts.alerts.size(), c.named ? 1U : 0U) << c.table;
-    if (c.named) {
-      EXPECT_NE(alerts.alerts[0].find(c.named), std::string::npos) << alerts.alerts[0];
-    }
-  }
-}
-
-TEST_F(SqlFailures, RejectedStatementIsShownTwice) {
-  EXPECT_EQ(ConnectWithInfoSQL("DROP TABLE nowhere", host, port, user, password, database, "ignored"), 0);
-  ASSERT_EQ(alerts.alerts.size(), 2U);
-  EXPECT_NE(alerts.alerts[0].find("nowhere"), std::string::npos) << alerts.alerts[0];
-  EXPECT_EQ(alerts.alerts[1], alerts.alerts[0]);
 }
 
 // A peer that is no MySQL server, or a broken one, is a failed connect.
@@ -148,33 +127,14 @@ TEST(SqlHostilePeer, IsAFailedConnect) {
   for (const std::string& answer : {std::string(), std::string("HTTP/1.0 200 OK\r\n\r\n"), packetHeaderOnly,
                                     hugePacket, errorPacket, std::string(100000, '\xff')}) {
     test::TestHost alerts;
+    test::LoopbackServer first(test::LoopbackServer::Mode::kAnswerAtOnce, {answer}),
+        second(test::LoopbackServer::Mode::kAnswerAtOnce, {answer});
     WideString result("untouched");
-    {
-      test::LoopbackServer peer(test::LoopbackServer::Mode::kAnswerAtOnce, {answer});
-      EXPECT_EQ(fetchDatabaseListSQL("127.0.0.1", peer.Port(), "u", "p", result), 1);
-    }
+    EXPECT_EQ(fetchDatabaseListSQL("127.0.0.1", first.Port(), "u", "p", result), 1);
     EXPECT_EQ(alerts.alerts, std::vector<std::string>{"NOT CONNECTED TO BASE"});
-    {
-      test::LoopbackServer peer(test::LoopbackServer::Mode::kAnswerAtOnce, {answer});
-      EXPECT_EQ(fetchRecordLoopSQL("127.0.0.1", peer.Port(), "u", "p", "d", "tt", result, ""), 0);
-    }
+    EXPECT_EQ(fetchRecordLoopSQL("127.0.0.1", second.Port(), "u", "p", "d", "tt", result, ""), 0);
     EXPECT_EQ(result.ToUTF8(), "");
   }
-}
-
-TEST_F(SqlCatalogue, ConnectWithInfoRunsTheStatementAndDiscardsRows) {
-  Exec("CREATE TABLE t (id INT)");
-  EXPECT_EQ(ConnectWithInfoSQL("INSERT INTO t VALUES (7), (8)", host, port, user, password, database, ""), 0);
-  EXPECT_EQ(ConnectWithInfoSQL("SELECT * FROM t", host, port, user, password, database, ""), 0);
-  EXPECT_EQ(Rows("SELECT id FROM t ORDER BY id"), (std::vector<std::string>{"7", "8"}));
-  EXPECT_TRUE(alerts.alerts.empty());
-}
-
-TEST_F(SqlCatalogue, EveryOperationLeavesItsHandleInTheSharedSlot) {
-  pConnection = nullptr;
-  WideString result;
-  fetchTableListSQL(host, port, user, password, database, result);
-  EXPECT_NE(pConnection, nullptr);
 }
 
 }  // namespace

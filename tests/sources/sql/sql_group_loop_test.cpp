@@ -7,24 +7,15 @@
 namespace talp {
 namespace {
 
-class SqlGroupLoop : public test::MySqlTest {
- protected:
-  std::string Group(const std::string& condition, const std::string& groupField, const std::string& layout,
-                    const std::string& styling = "", const std::string& before = "") {
-    WideString result(before);
-    EXPECT_EQ(fetchRecordGroupLoopSQL(host, port, user, password, database, "gg", result, PMString(condition),
-                                      PMString(groupField), PMString(layout), WideString(styling)),
-              0);
-    return result.ToUTF8();
-  }
-};
+class SqlGroupLoop : public test::MySqlTest {};
 
 TEST_F(SqlGroupLoop, FoldsRunsOfEqualValues) {
   Exec("CREATE TABLE gg (id INT PRIMARY KEY, k TEXT, v TEXT);"
        "INSERT INTO gg VALUES (1, 'A', 'one'), (2, 'A', 'two\\tt'), (3, 'B', 'three\\r\\n'), (4, 'A', NULL)");
-  const struct {
-    const char *condition, *group, *layout, *expected;
-  } cases[] = {
+  const char* styling =
+      "<?xml version=\"1.0\"?><Process><OutputField>twice</OutputField><ProcessType>Calc</ProcessType>"
+      "<ProcessInfo>[id]*2</ProcessInfo></Process>";
+  const struct { const char *condition, *group, *layout, *expected, *styling = "", *before = ""; } cases[] = {
       // A, A, B: two lines, the first with two records and the count 2. The
       // line layout is filled with decoded values.
       {"WHERE id<4", "k", "[v]",
@@ -44,30 +35,26 @@ TEST_F(SqlGroupLoop, FoldsRunsOfEqualValues) {
        "4\tA\t\t<pstyle:LineDark>4<br><pstyle:LineLight>2<br><pstyle:LineDark>1\t3"},
       // Nothing selected: the closing count of an empty run.
       {"WHERE id>9", "k", "[v]", "\t1"},
+      // What the output held is closed as a run first.
+      {"WHERE id=1", "k", "[id]", "before\t1\r1\tA\tone\t<pstyle:LineDark>1\t1", "", "before"},
+      // The styling computes fields the group can use.
+      {"WHERE id<3", "k", "[twice]", "1\tA\tone\t2\t<pstyle:LineDark>2<br><pstyle:LineLight>4\t2", styling},
   };
-  for (const auto& c : cases) EXPECT_EQ(Group(c.condition, c.group, c.layout), c.expected) << c.condition;
-}
-
-TEST_F(SqlGroupLoop, AppendsToWhatTheOutputHeld) {
-  Exec("CREATE TABLE gg (id INT, k TEXT); INSERT INTO gg VALUES (1, 'A')");
-  EXPECT_EQ(Group("", "k", "[id]", "", "before"), "before\t1\r1\tA\t<pstyle:LineDark>1\t1");
-}
-
-TEST_F(SqlGroupLoop, StylingComputesFieldsTheGroupCanUse) {
-  Exec("CREATE TABLE gg (id INT, k TEXT); INSERT INTO gg VALUES (1, 'A'), (2, 'A')");
-  const std::string styling =
-      "<?xml version=\"1.0\"?><Process><OutputField>twice</OutputField><ProcessType>Calc</ProcessType>"
-      "<ProcessInfo>[id]*2</ProcessInfo></Process>";
-  EXPECT_EQ(Group("", "k", "[twice]", styling),
-            "1\tA\t2\t<pstyle:LineDark>2<br><pstyle:LineLight>4\t2");
+  for (const auto& c : cases) {
+    WideString result(c.before);
+    EXPECT_EQ(fetchRecordGroupLoopSQL(host, port, user, password, database, "gg", result, c.condition, c.group,
+                                      c.layout, c.styling),
+              0);
+    EXPECT_EQ(result.ToUTF8(), c.expected) << c.condition;
+  }
 }
 
 TEST_F(SqlGroupLoop, Failures) {
   WideString result("untouched");
-  EXPECT_EQ(fetchRecordGroupLoopSQL(host, port, user, password, database, "missing", result, "WHERE id=1", "k",
-                                    "", ""),
+  EXPECT_EQ(fetchRecordGroupLoopSQL(host, port, user, password, database, "missing", result, "WHERE id=1", "k", "", ""),
             1);
-  EXPECT_EQ(fetchRecordGroupLoopSQL(host, test::RefusingPort().Port(), user, password, database, "gg", result, "", "k", "", ""), 0);
+  const test::RefusingPort refused;
+  EXPECT_EQ(fetchRecordGroupLoopSQL(host, refused.Port(), user, password, database, "gg", result, "", "k", "", ""), 0);
   EXPECT_EQ(result.ToUTF8(), "untouched");
   EXPECT_TRUE(alerts.alerts.empty());
 }

@@ -37,29 +37,22 @@ TEST_F(SqlLock, ConcurrentOperationsDoNotCorruptEachOther) {
        "CREATE TABLE c (id INT PRIMARY KEY, v TEXT); INSERT INTO c SELECT seq, CONCAT('row', seq) FROM seq_1_to_50");
   std::string expected;
   for (int i = 1; i <= 50; ++i) expected += std::to_string(i) + "\trow" + std::to_string(i) + "\t\r";
-  constexpr int kRounds = 15;
-  auto reader = [&](int* failures) {
-    for (int round = 0; round < kRounds; ++round) {
+  std::atomic<int> failures = 0;
+  auto reader = [&] {
+    for (int round = 0; round < 15; ++round) {
       WideString result;
-      if (fetchRecordLoopSQL(host, port, user, password, database, "c", result, "ORDER BY id") != 0 ||
-          result.ToUTF8() != expected) {
-        ++*failures;
-      }
+      const int status = fetchRecordLoopSQL(host, port, user, password, database, "c", result, "ORDER BY id");
+      if (status != 0 || result.ToUTF8() != expected) ++failures;
     }
   };
-  auto writer = [&](int* failures) {
-    for (int round = 0; round < kRounds; ++round) {
-      if (updateBaseFieldWithInfoSQL("old", "v", "42", host, port, user, password, database, "t", "id") != 0) {
-        ++*failures;
-      }
+  auto writer = [&] {
+    for (int round = 0; round < 15; ++round) {
+      failures += updateBaseFieldWithInfoSQL("old", "v", "42", host, port, user, password, database, "t", "id") != 0;
     }
   };
-  int failures[3] = {0, 0, 0};
-  std::thread a(reader, &failures[0]), b(reader, &failures[1]), c(writer, &failures[2]);
-  a.join();
-  b.join();
-  c.join();
-  EXPECT_EQ(failures[0] + failures[1] + failures[2], 0);
+  std::thread threads[] = {std::thread(reader), std::thread(reader), std::thread(writer)};
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(failures, 0);
   EXPECT_TRUE(alerts.alerts.empty());
 }
 

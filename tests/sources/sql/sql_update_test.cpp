@@ -7,49 +7,34 @@
 namespace talp {
 namespace {
 
-class SqlUpdate : public test::MySqlTest {
- protected:
-  void SetUp() override {
-    MySqlTest::SetUp();
-    if (HasFatalFailure()) return;  // no server: the failure says why
-    Exec("CREATE TABLE t (id INT PRIMARY KEY, code VARCHAR(10), v TEXT);"
-         "INSERT INTO t VALUES (42, 'a', 'old'), (43, 'b', 'old')");
-  }
-  int Update(const std::string& value, const std::string& keyField, const std::string& keyValue) {
-    return updateBaseFieldWithInfoSQL(WideString(value), "v", PMString(keyValue), host, port, user, password,
-                                      database, "t", PMString(keyField));
-  }
-};
+class SqlUpdate : public test::MySqlTest {};
 
+// The rows after each update, in turn; a rejected statement shows the server's message.
 TEST_F(SqlUpdate, WritesTheQuotedValueAtTheUnquotedKey) {
-  const struct {
-    const char *value, *keyField, *keyValue, *expected;
-  } cases[] = {
+  Exec("CREATE TABLE t (id INT PRIMARY KEY, code VARCHAR(10), v TEXT);"
+       "INSERT INTO t VALUES (42, 'a', 'old'), (43, 'b', 'old')");
+  const test::RefusingPort refused;
+  const struct { const char *value, *keyField, *keyValue, *rows, *alert = nullptr; int port = 0; } cases[] = {
       {"new", "id", "42", "42\tnew|43\told"},
       {"", "id", "43", "42\tnew|43\t"},
       {"x", "code", "'b'", "42\tnew|43\tx"},  // a text key brings its own quotes
       {"y", "id", "99", "42\tnew|43\tx"},     // no record: nothing happens, nothing is said
+      {"it's", "id", "42", "42\tnew|43\tx", "syntax"},
+      {"z", "code", "b", "42\tnew|43\tx", "'b'"},  // an unquoted text key is a column name here
+      {"z", "id", "42", "42\tnew|43\tx", nullptr, refused.Port()},  // a refused connection is silent
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(Update(c.value, c.keyField, c.keyValue), 0);
+    alerts.alerts.clear();
+    EXPECT_EQ(updateBaseFieldWithInfoSQL(c.value, "v", c.keyValue, host, c.port ? c.port : port, user, password,
+                                         database, "t", c.keyField),
+              0);
     const auto rows = Rows("SELECT id, v FROM t ORDER BY id");
-    EXPECT_EQ(rows.at(0) + "|" + rows.at(1), c.expected) << c.value;
+    EXPECT_EQ(rows.at(0) + "|" + rows.at(1), c.rows) << c.value;
+    ASSERT_EQ(alerts.alerts.size(), c.alert ? 1U : 0U) << c.value;
+    if (c.alert) {
+      EXPECT_NE(alerts.alerts[0].find(c.alert), std::string::npos) << alerts.alerts[0];
+    }
   }
-  EXPECT_TRUE(alerts.alerts.empty());
-}
-
-TEST_F(SqlUpdate, ARejectedStatementShowsTheServersMessage) {
-  EXPECT_EQ(Update("it's", "id", "42"), 0);
-  ASSERT_EQ(alerts.alerts.size(), 1U);
-  EXPECT_NE(alerts.alerts[0].find("syntax"), std::string::npos) << alerts.alerts[0];
-  EXPECT_EQ(Update("z", "code", "b"), 0);  // an unquoted text key is a column name here
-  EXPECT_EQ(alerts.alerts.size(), 2U);
-  EXPECT_EQ(Rows("SELECT v FROM t ORDER BY id"), (std::vector<std::string>{"old", "old"}));
-}
-
-TEST_F(SqlUpdate, ARefusedConnectionIsSilent) {
-  EXPECT_EQ(updateBaseFieldWithInfoSQL("v", "v", "42", host, test::RefusingPort().Port(), user, password, database, "t", "id"), 0);
-  EXPECT_TRUE(alerts.alerts.empty());
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -152,6 +153,66 @@ void StripInto(Units text, char16_t decimal, std::string& out) {
   }
 }
 
+// Powers of ten that are exact doubles.
+constexpr double kExactPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
+// What from_chars reads from the stripped operand, for the common operands
+// of at most 15 digits with a digit before the decimal separator: their
+// digits and the power of ten are exact doubles, and one division rounds
+// correctly, as from_chars does. Anything else gives nothing.
+std::optional<double> ReadShortDecimal(Units operand, char16_t decimal) {
+  std::uint64_t digits = 0;
+  std::size_t count = 0, fraction = 0;
+  bool point = false;
+  for (const char16_t c : operand) {
+    if (IsDigit(c)) {
+      if (++count > 15) return std::nullopt;
+      digits = digits * 10 + static_cast<std::uint64_t>(c - u'0');
+      fraction += point ? 1 : 0;
+    } else if (c == decimal) {
+      if (point) break;  // a second separator ends the number
+      if (count == 0) return std::nullopt;
+      point = true;
+    }
+  }
+  if (count == 0) return std::nullopt;
+  return static_cast<double>(digits) / kExactPowersOfTen[fraction];
+}
+
+// Appends value in its shortest fixed form when that has at most four
+// decimals, the common case of prices and quantities; false (and nothing
+// appended) otherwise. While |value| * 10^k stays below 2^52 at most one
+// k-decimal text reads back as value, so the first k that has one gives
+// what to_chars gives.
+bool AppendShortDecimal(double value, std::u16string& out) {
+  const double magnitude = std::fabs(value);
+  for (std::size_t k = 0; k <= 4; ++k) {
+    const double power = kExactPowersOfTen[k];
+    const double scaled = magnitude * power;
+    if (scaled >= 0x1p52) return false;
+    // scaled is within a quarter of the exact product, so the integer
+    // nearest to that is one of these three.
+    const double nearest = std::nearbyint(scaled);
+    for (const double candidate : {nearest, nearest - 1, nearest + 1}) {
+      if (candidate <= 0 || candidate / power != magnitude) continue;
+      char buffer[24];
+      const char* end = std::to_chars(buffer, buffer + sizeof buffer, static_cast<std::uint64_t>(candidate)).ptr;
+      const std::string_view digits(buffer, static_cast<std::size_t>(end - buffer));
+      const std::size_t whole = digits.size() > k ? digits.size() - k : 0;
+      if (value < 0) out.push_back(u'-');
+      if (whole == 0) out.push_back(u'0');
+      out.append(digits.begin(), digits.begin() + static_cast<std::ptrdiff_t>(whole));
+      if (k == 0) return true;
+      out.push_back(u'.');
+      out.append(k - (digits.size() - whole), u'0');
+      out.append(digits.begin() + static_cast<std::ptrdiff_t>(whole), digits.end());
+      return true;
+    }
+  }
+  return false;
+}
+
 }  // namespace
 
 char16_t UserDecimalSeparator() { return UserDecimal(); }
@@ -163,6 +224,7 @@ PMString StripUserDecimal(const WideString& text) {
 }
 
 double ReadUserNumber(std::u16string_view operand, char16_t decimal) {
+  if (const auto quick = ReadShortDecimal(operand, decimal)) return *quick;
   std::string digits;  // short operands stay in the string's own buffer
   StripInto(operand, decimal, digits);
   double value = 0;
@@ -178,6 +240,7 @@ void AppendCalcNumber(double value, std::u16string& out) {
   if (std::isnan(value)) return append(std::signbit(value) ? "-nan" : "nan");
   if (std::isinf(value)) return append(value < 0 ? "-inf" : "inf");
   if (value == 0) return append("0");
+  if (AppendShortDecimal(value, out)) return;
   // The longest fixed forms are those of the smallest doubles: "0.", 307 to
   // 323 zeros and up to 17 digits, with a sign.
   char buffer[400];

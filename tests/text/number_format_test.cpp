@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <charconv>
+#include <cmath>
 #include <limits>
+#include <random>
 #include <string>
 #include <utility>
 
@@ -57,6 +61,31 @@ TEST(FormatCalcNumber, WritesAsPeopleDo) {
     const std::string text = FormatCalcNumber(value).ToUTF8();
     EXPECT_EQ(text.find_first_of("eE"), std::string::npos) << text;
     EXPECT_EQ(PMString(text).GetAsDouble(), value) << text;
+  }
+}
+
+// Short decimals take a quicker way in and out; both must agree with the
+// C++ library's correctly rounded reading and shortest writing everywhere.
+TEST(CalcNumbers, QuickPathsAgreeWithTheLibrary) {
+  std::mt19937_64 random(7);
+  const auto reference = [](double value) {
+    char buffer[400];
+    const char* end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed).ptr;
+    return std::string(buffer, static_cast<std::size_t>(end - buffer));
+  };
+  for (int i = 0; i < 50000; ++i) {
+    // Prices times quantities, short decimals of every size, and any double.
+    const double price = static_cast<double>(random() % 100000) / 100, stock = static_cast<double>(random() % 1000);
+    const double scaled = static_cast<double>(random() % 100000000) / std::pow(10.0, static_cast<int>(random() % 12));
+    const double raw = std::bit_cast<double>(random());
+    for (const double value : {price * stock, price, scaled, -scaled, raw}) {
+      if (std::isnan(value) || std::isinf(value) || value == 0) continue;
+      const std::string want = reference(value);
+      ASSERT_EQ(FormatCalcNumber(value).ToUTF8(), want);
+      double read = 0;
+      std::from_chars(want.data() + (value < 0), want.data() + want.size(), read);
+      ASSERT_EQ(ReadUserNumber(WideString(want).Units(), u'.'), read) << want;
+    }
   }
 }
 

@@ -1,7 +1,7 @@
-// Word styling for the records of a loop, on every core: records are read in
-// batches, and while the caller's thread hands out one batch and reads the
-// next, worker threads restyle the batch after it. Records come out in the
-// order they were read, exactly as WordStyling::RestyleInLoop makes them.
+// Word styling for the records of a loop, on every core: the caller's thread
+// reads records in batches and hands them out in order, while worker threads
+// restyle the batches read ahead, one worker and one styling instance per
+// batch. Records come out exactly as WordStyling::RestyleInLoop makes them.
 #pragma once
 
 #include <cstddef>

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,6 +25,12 @@ int main(int argc, char** argv) {
   }
   std::ios::sync_with_stdio(false);
   TALPRemote remote;
-  return talp::cli::RunTalp(remote, args, std::cout, std::cerr, ::isatty(STDOUT_FILENO) == 1,
-                            std::getenv("TALP_PASSWORD"));
+  try {
+    return talp::cli::RunTalp(remote, args, std::cout, std::cerr, ::isatty(STDOUT_FILENO) == 1,
+                              std::getenv("TALP_PASSWORD"));
+  } catch (const std::bad_alloc&) {
+    // A result larger than the memory the system grants: say so rather than abort.
+    std::cerr << "talp: not enough memory for the result\n";
+    return 3;
+  }
 }

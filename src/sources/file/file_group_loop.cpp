@@ -1,5 +1,7 @@
 // The group loop of the "File" source: selected records, with runs of
 // records that share a group value folded into one tagged line.
+#include <new>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +19,23 @@
 #include "text/text_handlers.h"
 
 namespace talp {
+namespace {
+
+// Room for what out holds and a result several times the file: pages that
+// stay unused cost no memory, and the text is not copied while it grows. A
+// system that will not promise that much gets asked for less, down to none.
+void ReserveRoom(std::u16string& out, std::size_t held, std::size_t fileSize) {
+  for (std::size_t extra = fileSize * 4; extra > 0; extra /= 4) {
+    try {
+      out.reserve(held + extra);
+      return;
+    } catch (const std::bad_alloc&) {
+    } catch (const std::length_error&) {
+    }
+  }
+}
+
+}  // namespace
 
 int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideString& result,
                              const PMString& groupField, const PMString& groupContents, const WideString& styling) {
@@ -35,9 +54,7 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
   const RecordTemplate entryTemplate(groupContents.AsWide().Units(), header.Units());
 
   std::u16string out;
-  // Room for a result several times the file: pages that stay unused cost
-  // no memory, and the text is never copied while it grows.
-  out.reserve(result.NumUTF16TextChars() + static_cast<std::size_t>(lines.FileSize()) * 4);
+  ReserveRoom(out, result.NumUTF16TextChars(), static_cast<std::size_t>(lines.FileSize()));
   out.append(result.Units());
   GroupRuns runs(out);
   std::size_t lineNumber = 1;

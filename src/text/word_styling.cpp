@@ -319,25 +319,13 @@ void WordStyling::ApplyDocument(const WideString& header, std::u16string& text,
 // are written as separator; TABs inside values are kept as they are.
 void WordStyling::Restyle(const WideString& header, std::u16string& text, char16_t separator,
                           std::vector<std::u16string>* values) {
-  spans_.assign(1, {0, 0});
-  const auto closeFieldAt = [&](std::size_t at) {
-    spans_.back().second = at - spans_.back().first;
-    spans_.emplace_back(at + 1, 0);
-  };
-  for (std::size_t at = 0; (at = host::FindUnit(text, at, kTab, kCR)) != host::kNotFound; ++at) {
+  fields_.clear();
+  std::size_t start = 0;
+  for (std::size_t at = 0; (at = host::FindUnit(text, at, kTab, kCR)) != host::kNotFound; start = ++at) {
     text[at] = separator;
-    closeFieldAt(at);
+    fields_.emplace_back(text.data() + start, at - start);
   }
-  spans_.back().second = text.size() - spans_.back().first;
-  // The views stay valid while the text keeps its memory; then only the last
-  // field and the new ones change when a value is appended.
-  const auto viewFrom = [&](std::size_t first) {
-    fields_.resize(first);
-    for (std::size_t i = first; i < spans_.size(); ++i) {
-      fields_.push_back(std::u16string_view(text).substr(spans_[i].first, spans_[i].second));
-    }
-  };
-  viewFrom(0);
+  fields_.emplace_back(text.data() + start, text.size() - start);
   if (processes_.empty()) return;
   const std::u16string_view bound = boundHeader_.Units(), wanted = header.Units();
   if (!bound_ || bound.size() != wanted.size() ||
@@ -346,19 +334,36 @@ void WordStyling::Restyle(const WideString& header, std::u16string& text, char16
   }
   // Each process sees the record with the values computed before it.
   for (std::size_t n = 0; n < processes_.size(); ++n) {
-    std::u16string_view value = Compute(n);
+    const std::u16string_view value = Compute(n);
     if (values != nullptr) values->emplace_back(value);
-    const char16_t* before = text.data();
-    const std::size_t lastField = spans_.size() - 1;
-    for (std::size_t at; (at = host::FindUnit(value, 0, kCR, kCR)) != host::kNotFound; value.remove_prefix(at + 1)) {
-      text.append(value.substr(0, at));
-      closeFieldAt(text.size());
-      text.push_back(separator);
+    AppendValue(text, value, separator);
+  }
+}
+
+void WordStyling::AppendValue(std::u16string& text, std::u16string_view value, char16_t separator) {
+  // The value and its separator take exactly this much, CRs becoming
+  // separators, so the text moves at most once: here, before the views are
+  // taken again at their offsets.
+  const std::size_t needed = text.size() + value.size() + 1;
+  if (needed > text.capacity()) {
+    offsets_.clear();
+    for (const std::u16string_view field : fields_) {
+      offsets_.push_back(static_cast<std::size_t>(field.data() - text.data()));
     }
-    text.append(value);
-    closeFieldAt(text.size());
+    text.reserve(std::max(needed, 2 * text.capacity()));
+    for (std::size_t i = 0; i < fields_.size(); ++i) fields_[i] = {text.data() + offsets_[i], fields_[i].size()};
+  }
+  // The last field runs to the end of the text and grows with the value.
+  auto lastStart = static_cast<std::size_t>(fields_.back().data() - text.data());
+  for (;;) {
+    const std::size_t cr = host::FindUnit(value, 0, kCR, kCR);
+    text.append(value.substr(0, cr));
+    fields_.back() = {text.data() + lastStart, text.size() - lastStart};
     text.push_back(separator);
-    viewFrom(text.data() == before ? lastField : 0);
+    lastStart = text.size();
+    fields_.emplace_back(text.data() + lastStart, 0);
+    if (cr == host::kNotFound) return;
+    value.remove_prefix(cr + 1);
   }
 }
 

@@ -62,6 +62,9 @@ class WordStyling {
   // finds its fields.
   void Restyle(const WideString& header, std::u16string& record, char16_t separator,
                std::vector<std::u16string>* values);
+  // Appends value and a separator to record, splitting it into fields at its
+  // CRs; keeps fields_ pointing into record.
+  void AppendValue(std::u16string& record, std::u16string_view value, char16_t separator);
   // The value of process n for the information in filled_.
   std::u16string_view Compute(std::size_t n);
 
@@ -74,7 +77,7 @@ class WordStyling {
   char16_t decimal_ = u'.';  // the host's decimal separator, read when binding
   // Reused from record to record.
   std::vector<std::u16string_view> fields_;
-  std::vector<std::pair<std::size_t, std::size_t>> spans_;  // start and length of each field
+  std::vector<std::size_t> offsets_;  // of the fields, while the record moves
   std::u16string filled_;
   std::u16string key_;
   std::u16string value_;

@@ -187,6 +187,11 @@ std::optional<double> ReadShortDecimal(Units operand, char16_t decimal) {
 // what to_chars gives.
 bool AppendShortDecimal(double value, std::u16string& out) {
   const double magnitude = std::fabs(value);
+  // Most other values are far from any four-decimal number: 10^4 times
+  // them is then far from an integer, much farther than rounding can move it.
+  if (const double scaled = magnitude * 1e4; scaled < 0x1p40 && std::fabs(scaled - std::nearbyint(scaled)) > 0x1p-8) {
+    return false;
+  }
   for (std::size_t k = 0; k <= 4; ++k) {
     const double power = kExactPowersOfTen[k];
     const double scaled = magnitude * power;

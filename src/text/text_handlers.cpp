@@ -121,6 +121,11 @@ WideString GetNumberAsWideString(long number) {
 }
 
 void AppendNumber(long number, std::u16string& out) {
+  // Run counts and the like are mostly one digit.
+  if (number >= 0 && number < 10) {
+    out.push_back(static_cast<char16_t>(u'0' + number));
+    return;
+  }
   char digits[24];
   const auto result = std::to_chars(digits, digits + sizeof digits, number);
   out.append(digits, result.ptr);

@@ -4,12 +4,21 @@
 
 namespace talp {
 
-void GroupRuns::Add(std::u16string_view record, std::u16string_view groupValue, std::u16string_view entry) {
+void GroupRuns::Add(std::u16string_view record, const std::vector<std::u16string_view>& fields) {
+  if (!grouping_) {
+    out_.append(record).push_back(kCR);
+    return;
+  }
+  const std::u16string_view groupValue = groupField_ >= 0 && static_cast<std::size_t>(groupField_) < fields.size()
+                                             ? fields[static_cast<std::size_t>(groupField_)]
+                                             : std::u16string_view();
+  filled_.clear();
+  entry_.Fill(fields, filled_);
   // The style changes before it is used.
   light_ = !light_;
   const std::u16string_view style = light_ ? u"<pstyle:LineLight>" : u"<pstyle:LineDark>";
   if (groupValue == previous_) {
-    out_.append(u"<br>").append(style).append(entry);
+    out_.append(u"<br>").append(style).append(filled_);
     ++runCount_;
     return;
   }
@@ -17,12 +26,14 @@ void GroupRuns::Add(std::u16string_view record, std::u16string_view groupValue, 
     CloseRun();
     out_.push_back(kCR);
   }
-  out_.append(record).append(style).append(entry);
+  out_.append(record).append(style).append(filled_);
   previous_ = groupValue;
   runCount_ = 0;
 }
 
-void GroupRuns::Finish() { CloseRun(); }
+void GroupRuns::Finish() {
+  if (grouping_) CloseRun();
+}
 
 void GroupRuns::CloseRun() {
   out_.push_back(kTab);

@@ -1,4 +1,5 @@
-// The tagged text of a group loop: runs of consecutive records that share a
+// The tagged text of a group loop. Without grouping every record follows the
+// last, ended by CR. With grouping, runs of consecutive records that share a
 // group value become one line (the run's first record, then for each record
 // of the run a paragraph style and its entry, joined by "<br>"), closed by a
 // TAB and the number of records in the run. Styles alternate light and dark
@@ -7,6 +8,9 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "text/record_template.h"
 
 namespace talp {
 
@@ -14,16 +18,25 @@ class GroupRuns {
  public:
   // Appends to out, which may already hold text: then the first run is
   // preceded by a closing TAB "1" and CR, as if a run had been open.
-  explicit GroupRuns(std::u16string& out) : out_(out) {}
+  // groupField: the position (from 0) of the field that groups; a record
+  // without it has an empty group value. entry fills each record's entry.
+  // Both must outlive the runs.
+  GroupRuns(std::u16string& out, bool grouping, long groupField, const RecordTemplate& entry)
+      : out_(out), grouping_(grouping), groupField_(groupField), entry_(entry) {}
 
-  void Add(std::u16string_view record, std::u16string_view groupValue, std::u16string_view entry);
-  // Closes the last run; with no record added at all this still gives TAB "1".
+  void Add(std::u16string_view record, const std::vector<std::u16string_view>& fields);
+  // Closes the last run; with grouping and no record added at all this still
+  // gives TAB "1".
   void Finish();
 
  private:
   void CloseRun();
 
   std::u16string& out_;
+  const bool grouping_;
+  const long groupField_;
+  const RecordTemplate& entry_;
+  std::u16string filled_;  // reused from record to record
   bool light_ = true;
   // No real record holds it, so the first record always opens a run.
   std::u16string previous_ = u"zzzzzzzzzzzzzzzzzzzzzzzzzzzzh";

@@ -56,7 +56,8 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
   std::u16string out;
   ReserveRoom(out, result.NumUTF16TextChars(), static_cast<std::size_t>(lines.FileSize()));
   out.append(result.Units());
-  GroupRuns runs(out);
+  // The header names fields from 1.
+  GroupRuns runs(out, grouping, groupColumn - 1, entryTemplate);
   std::size_t lineNumber = 1;
   const auto read = [&](std::u16string& record) {
     if (!lines.Next(line)) return false;
@@ -66,24 +67,11 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
     if (lines.LastEndedWithCR()) record.push_back(kTab);
     return true;
   };
-  std::u16string entry;
   const auto add = [&](const RestylePipeline::Record& record) {
-    if (!query.IsEmpty() && !filter.Includes(record.text)) return;
-    if (!grouping) {
-      out.append(record.text);
-      out.push_back(kCR);
-      return;
-    }
-    const std::u16string_view groupValue =
-        groupColumn >= 1 && static_cast<std::size_t>(groupColumn) <= record.fields.size()
-            ? record.fields[static_cast<std::size_t>(groupColumn) - 1]
-            : std::u16string_view();
-    entry.clear();
-    entryTemplate.Fill(record.fields, entry);
-    runs.Add(record.text, groupValue, entry);
+    if (query.IsEmpty() || filter.Includes(record.text)) runs.Add(record.text, record.fields);
   };
   restyle.Run(header, read, add);
-  if (grouping) runs.Finish();
+  runs.Finish();
   result = WideString(std::move(out));
   return 0;
 }

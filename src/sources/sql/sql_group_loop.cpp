@@ -33,7 +33,6 @@ int fetchRecordGroupLoopSQL(const PMString& host, int port, const PMString& user
   const sql::Result fields = session.ListFields(table);
   const WideString header = WideString::FromUTF8(sql::FieldNamesList(fields.get()));
   const long groupPosition = sql::FieldPosition(fields.get(), groupField);
-  const bool grouping = groupPosition >= 0;
 
   RestylePipeline restyle(styling);
   // The line layout may name computed fields too.
@@ -41,7 +40,7 @@ int fetchRecordGroupLoopSQL(const PMString& host, int port, const PMString& user
   AppendHeaderFromWordStyling(styling, layoutNames);
   const RecordTemplate entryTemplate(lineLayout.AsWide().Units(), layoutNames.Units());
   std::u16string out(result.Units());
-  GroupRuns runs(out);
+  GroupRuns runs(out, groupPosition >= 0, groupPosition, entryTemplate);
   sql::RowCursor cursor(rows.get());
   std::string bytes;
   const auto read = [&](std::u16string& record) {
@@ -51,21 +50,9 @@ int fetchRecordGroupLoopSQL(const PMString& host, int port, const PMString& user
     sql::LoopRecord(rows.get(), row, lengths, bytes, record);
     return true;
   };
-  std::u16string entry;
-  const auto add = [&](const RestylePipeline::Record& record) {
-    if (!grouping) {
-      out.append(record.text).push_back(kCR);
-      return;
-    }
-    const auto position = static_cast<std::size_t>(groupPosition);
-    const std::u16string_view groupValue =
-        position < record.fields.size() ? record.fields[position] : std::u16string_view();
-    entry.clear();
-    entryTemplate.Fill(record.fields, entry);
-    runs.Add(record.text, groupValue, entry);
-  };
+  const auto add = [&](const RestylePipeline::Record& record) { runs.Add(record.text, record.fields); };
   restyle.Run(header, read, add);
-  if (grouping) runs.Finish();
+  runs.Finish();
   result = WideString(std::move(out));
   session.Close();
   return 0;

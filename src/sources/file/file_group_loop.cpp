@@ -1,11 +1,10 @@
 // The group loop of the "File" source: selected records, with runs of
 // records that share a group value folded into one tagged line.
-#include <new>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "host/large_text.h"
 #include "host/unit_search.h"
 #include "sources/file/file_base.h"
 #include "sources/file/file_data.h"
@@ -19,23 +18,6 @@
 #include "text/text_handlers.h"
 
 namespace talp {
-namespace {
-
-// Room for what out holds and a result several times the file: pages that
-// stay unused cost no memory, and the text is not copied while it grows. A
-// system that will not promise that much gets asked for less, down to none.
-void ReserveRoom(std::u16string& out, std::size_t held, std::size_t fileSize) {
-  for (std::size_t extra = fileSize * 4; extra > 0; extra /= 4) {
-    try {
-      out.reserve(held + extra);
-      return;
-    } catch (const std::bad_alloc&) {
-    } catch (const std::length_error&) {
-    }
-  }
-}
-
-}  // namespace
 
 int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideString& result,
                              const PMString& groupField, const PMString& groupContents, const WideString& styling) {
@@ -53,9 +35,9 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
   RestylePipeline restyle(styling);
   const RecordTemplate entryTemplate(groupContents.AsWide().Units(), header.Units());
 
-  std::u16string out;
-  ReserveRoom(out, result.NumUTF16TextChars(), static_cast<std::size_t>(lines.FileSize()));
-  out.append(result.Units());
+  std::u16string out(result.Units());
+  // The result is about twice the file in UTF-16, more with long computed fields.
+  host::ReserveLargeText(out, out.size() + 4 * static_cast<std::size_t>(lines.FileSize()));
   // The header names fields from 1.
   GroupRuns runs(out, grouping, groupColumn - 1, entryTemplate);
   std::size_t lineNumber = 1;

@@ -1,6 +1,7 @@
 #include "sources/file/record_filter.h"
 
 #include "host/case_mapping.h"
+#include "host/large_text.h"
 #include "host/unit_search.h"
 #include "host/utf.h"
 #include "talp/host_services.h"
@@ -229,7 +230,7 @@ std::u16string SelectRecords(FileLines& lines, const WideString& condition, std:
   RecordFilter filter(condition, WideString::FromUTF16(line));
   std::u16string selected;
   // Room for every record: pages that stay unused cost no memory.
-  selected.reserve(static_cast<std::size_t>(lines.FileSize()));
+  host::ReserveLargeText(selected, static_cast<std::size_t>(lines.FileSize()));
   for (std::size_t i = 2; lines.Next(line); ++i) {
     if (i % kProgressEvery == 0) host::Host().Progress("records", lines.BytesRead(), lines.FileSize());
     if (filter.Includes(line)) {

@@ -2,6 +2,7 @@
 // record with the other records of its group.
 #include <string>
 
+#include "host/large_text.h"
 #include "host/utf.h"
 #include "sources/sql/mysql_connection.h"
 #include "sources/sql/sql_base.h"
@@ -113,7 +114,7 @@ int fetchRecordLoopSQL(const PMString& host, int port, const PMString& user, con
   const sql::Result rows = session.StoreResult();
   std::u16string out;
   // Decoded straight from the stored result: the text never exists twice.
-  out.reserve(TotalBytes(rows.get()));
+  host::ReserveLargeText(out, TotalBytes(rows.get()));
   std::string line;
   sql::ForEachRow(rows.get(), [&](MYSQL_ROW row, const unsigned long* lengths) {
     line.clear();

@@ -1,20 +1,17 @@
 #include "text/restyle_pipeline.h"
 
 #include <algorithm>
-#include <future>
+#include <exception>
 #include <system_error>
-#include <thread>
 
 namespace talp {
 
-// Records read together and restyled together, by one worker at a time.
+// Records read together and restyled together, by one worker.
 struct RestylePipeline::Batch {
-  explicit Batch(const WideString& styling) : styler(styling) {}
-
-  WordStyling styler;           // its remembered results stay with the batch
   std::vector<Record> records;  // kept from batch to batch; the first count are in use
   std::size_t count = 0;
-  std::future<void> restyled;  // valid while a worker restyles the batch
+  bool styled = false;           // guarded by the pipeline's mutex
+  std::exception_ptr failure;    // a worker's, rethrown when the batch is handed out
 };
 
 namespace {
@@ -33,21 +30,52 @@ void Restyle(WordStyling& styler, const WideString& header, std::vector<RestyleP
 }  // namespace
 
 RestylePipeline::RestylePipeline(const WideString& styling, unsigned threads, std::size_t batchSize)
-    : batchSize_(std::max<std::size_t>(batchSize, 1)) {
-  batches_.push_back(std::make_unique<Batch>(styling));
+    : batchSize_(std::max<std::size_t>(batchSize, 1)), localStyler_(std::make_unique<WordStyling>(styling)) {
   if (threads == 0) threads = std::thread::hardware_concurrency();
-  threads = batches_.front()->styler.RunsScripts() ? 1 : std::clamp(threads, 1U, kMaxThreads);
+  threads = localStyler_->RunsScripts() ? 0 : std::min(threads, kMaxThreads);
+  if (threads > 1) {
+    for (unsigned i = 0; i < threads; ++i) workerStylers_.push_back(std::make_unique<WordStyling>(styling));
+    for (unsigned i = 0; i < threads; ++i) {
+      try {
+        workers_.emplace_back(&RestylePipeline::Work, this, std::ref(*workerStylers_[i]));
+      } catch (const std::system_error&) {
+        break;  // the workers started so far do the work
+      }
+    }
+  }
   // One batch more than workers, so that this thread reads one while they
   // restyle the others.
-  const std::size_t depth = threads == 1 ? 1 : threads + 1;
-  while (batches_.size() < depth) batches_.push_back(std::make_unique<Batch>(styling));
+  const std::size_t depth = workers_.empty() ? 1 : workers_.size() + 1;
+  while (batches_.size() < depth) batches_.push_back(std::make_unique<Batch>());
 }
 
-RestylePipeline::~RestylePipeline() { WaitForWorkers(); }
+RestylePipeline::~RestylePipeline() {
+  {
+    const std::lock_guard lock(mutex_);
+    stopping_ = true;
+  }
+  submitted_.notify_all();
+  for (std::thread& worker : workers_) worker.join();
+}
 
-void RestylePipeline::WaitForWorkers() {
-  for (const auto& batch : batches_) {
-    if (batch->restyled.valid()) batch->restyled.wait();
+void RestylePipeline::Work(WordStyling& styler) {
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    submitted_.wait(lock, [this] { return stopping_ || !queue_.empty(); });
+    if (queue_.empty()) return;
+    Batch& batch = *queue_.front();
+    queue_.pop_front();
+    const WideString& header = *header_;
+    lock.unlock();
+    try {
+      Restyle(styler, header, batch.records, batch.count);
+    } catch (...) {
+      batch.failure = std::current_exception();
+    }
+    lock.lock();
+    batch.styled = true;
+    --unfinished_;
+    styled_.notify_all();
   }
 }
 
@@ -63,21 +91,40 @@ bool RestylePipeline::Read(Batch& batch, const Reader& read) const {
   return true;
 }
 
-void RestylePipeline::StartStyling(Batch& batch, const WideString& header) {
-  if (batches_.size() > 1) {
-    try {
-      batch.restyled = std::async(std::launch::async, Restyle, std::ref(batch.styler), std::cref(header),
-                                 std::ref(batch.records), batch.count);
-      return;
-    } catch (const std::system_error&) {
-      // No thread to be had: the batch is restyled here.
-    }
+void RestylePipeline::Submit(Batch& batch) {
+  batch.failure = nullptr;
+  if (workers_.empty()) {
+    Restyle(*localStyler_, *header_, batch.records, batch.count);
+    batch.styled = true;
+    return;
   }
-  Restyle(batch.styler, header, batch.records, batch.count);
+  {
+    const std::lock_guard lock(mutex_);
+    batch.styled = false;
+    queue_.push_back(&batch);
+    ++unfinished_;
+  }
+  submitted_.notify_one();
+}
+
+void RestylePipeline::AwaitStyled(Batch& batch) {
+  if (!workers_.empty()) {
+    std::unique_lock lock(mutex_);
+    styled_.wait(lock, [&batch] { return batch.styled; });
+  }
+  if (batch.failure) std::rethrow_exception(batch.failure);
+}
+
+void RestylePipeline::WaitForWorkers() {
+  std::unique_lock lock(mutex_);
+  unfinished_ -= queue_.size();
+  queue_.clear();
+  styled_.wait(lock, [this] { return unfinished_ == 0; });
 }
 
 void RestylePipeline::Run(const WideString& header, const Reader& read, const Consumer& consume) {
-  // Whatever ends the run, no worker outlives it.
+  header_ = &header;
+  // Whatever ends the run, no worker is left with one of its batches.
   struct WorkersDone {
     RestylePipeline& pipeline;
     ~WorkersDone() { pipeline.WaitForWorkers(); }
@@ -91,12 +138,12 @@ void RestylePipeline::Run(const WideString& header, const Reader& read, const Co
       Batch& batch = *batches_[started % depth];
       more = Read(batch, read);
       if (batch.count == 0) break;
-      StartStyling(batch, header);
+      Submit(batch);
       ++started;
     }
     if (handedOut == started) return;
     Batch& batch = *batches_[handedOut % depth];
-    if (batch.restyled.valid()) batch.restyled.get();  // rethrows a worker's failure
+    AwaitStyled(batch);
     for (std::size_t i = 0; i < batch.count; ++i) consume(batch.records[i]);
     ++handedOut;
   }

@@ -1,14 +1,19 @@
 // Word styling for the records of a loop, on every core: the caller's thread
 // reads records in batches and hands them out in order, while worker threads
-// restyle the batches read ahead, one worker and one styling instance per
-// batch. Records come out exactly as WordStyling::RestyleInLoop makes them.
+// restyle the batches read ahead. Each worker keeps its own styling instance
+// for the whole run, so that what it remembers stays warm on its core.
+// Records come out exactly as WordStyling::RestyleInLoop makes them.
 #pragma once
 
+#include <condition_variable>
 #include <cstddef>
+#include <deque>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "talp/wide_string.h"
@@ -28,7 +33,7 @@ class RestylePipeline {
 
   // styling and header as for WordStyling::RestyleInLoop. threads: workers,
   // 0 for one per core; styling that runs scripts always stays on the
-  // caller's thread.
+  // caller's thread, and so does all styling when no thread can be started.
   explicit RestylePipeline(const WideString& styling, unsigned threads = 0, std::size_t batchSize = 4096);
   ~RestylePipeline();
   RestylePipeline(const RestylePipeline&) = delete;
@@ -36,17 +41,29 @@ class RestylePipeline {
 
   // Restyles every record that read gives and hands each to consume, on the
   // caller's thread. An exception from read, consume or a worker ends the
-  // run once the workers are done and propagates.
+  // run once the workers are done with its batches, and propagates.
   void Run(const WideString& header, const Reader& read, const Consumer& consume);
 
  private:
   struct Batch;
   bool Read(Batch& batch, const Reader& read) const;
-  void StartStyling(Batch& batch, const WideString& header);
+  void Submit(Batch& batch);
+  void AwaitStyled(Batch& batch);
   void WaitForWorkers();
+  void Work(WordStyling& styler);
 
-  std::vector<std::unique_ptr<Batch>> batches_;  // in turn; one when styling stays on this thread
   std::size_t batchSize_;
+  std::unique_ptr<WordStyling> localStyler_;  // styles on the caller's thread when there are no workers
+  std::vector<std::unique_ptr<WordStyling>> workerStylers_;
+  std::vector<std::unique_ptr<Batch>> batches_;  // in turn
+
+  std::mutex mutex_;
+  std::condition_variable submitted_, styled_;
+  std::deque<Batch*> queue_;  // submitted, not yet taken by a worker
+  std::size_t unfinished_ = 0;  // submitted and not yet styled
+  const WideString* header_ = nullptr;
+  bool stopping_ = false;
+  std::vector<std::thread> workers_;
 };
 
 }  // namespace talp

@@ -301,12 +301,10 @@ std::u16string_view WordStyling::Compute(std::size_t n) {
   // filled information, which is built only when the value is new.
   key_.clear();
   infos_[n].AppendKey(fields_, key_);
-  auto& memo = memos_[n];
-  if (const auto found = memo.find(key_); found != memo.end()) return found->second;
-  constexpr std::size_t kMaxRemembered = 1 << 14;
-  if (memo.size() >= kMaxRemembered) memo.clear();
+  ValueMemo& memo = memos_[n];
+  if (const auto found = memo.Find(key_)) return *found;
   ComputeValue(process, infos_[n].Filled(fields_, filled_), decimal_, value_);
-  return memo.emplace(key_, value_).first->second;
+  return memo.Remember(key_, value_);
 }
 
 void WordStyling::ApplyDocument(const WideString& header, std::u16string& text,

@@ -6,12 +6,12 @@
 
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "talp/wide_string.h"
 #include "text/record_template.h"
+#include "text/value_memo.h"
 
 namespace talp {
 
@@ -81,7 +81,7 @@ class WordStyling {
   std::u16string filled_;
   std::u16string key_;
   std::u16string value_;
-  std::vector<std::unordered_map<std::u16string, std::u16string>> memos_;
+  std::vector<ValueMemo> memos_;
 };
 
 }  // namespace talp

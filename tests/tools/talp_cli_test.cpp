@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "output.h"
 #include "progress.h"
 #include "run.h"
 #include "temp_folder.h"
@@ -158,6 +159,19 @@ TEST(TalpOutput, RawOffATerminalPrettyOnOneUtf16OnRequest) {
   const std::string utf16 = Talp({"tables", "--utf16"}).out;  // little endian without mark
   EXPECT_EQ(utf16.substr(0, 6), std::string("1\0\t\0n\0", 6));
   EXPECT_EQ(utf16.size(), 2 * raw.size());
+}
+
+// Large results are encoded piece by piece, while earlier pieces are
+// written; a pair across a piece boundary is never split.
+TEST(TalpOutput, LargeResultsAreWrittenWhole) {
+  for (const std::size_t pairAt : {std::size_t{1} << 20, (std::size_t{1} << 20) - 1, std::size_t{3} << 20}) {
+    std::u16string units(pairAt + 5, u'\u00e9');
+    units.replace(pairAt - 1, 2, u"\U0001F600");
+    const WideString result(std::move(units));
+    std::ostringstream out;
+    WriteResult(result, OutputMode::kRaw, out);
+    EXPECT_TRUE(out.str() == result.ToUTF8()) << pairAt;
+  }
 }
 
 TEST(TalpStatus, IsTheOperationsStatus) {

@@ -1,9 +1,11 @@
 #include "output.h"
 
 #include <algorithm>
+#include <future>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "host/utf.h"
@@ -47,17 +49,36 @@ void WritePretty(const WideString& result, std::ostream& out) {
   }
 }
 
-// Encodes and writes a mebibyte of text at a time, never splitting a pair.
+// Encodes a mebibyte of text at a time, never splitting a pair, and writes
+// each piece while the next one is encoded.
+constexpr std::size_t kPiece = std::size_t{1} << 20;
+
 void WriteUTF8(std::u16string_view units, std::ostream& out) {
-  constexpr std::size_t kPiece = std::size_t{1} << 20;
+  constexpr std::size_t kBufferBytes = kPiece * talp::utf::kMaxUTF8PerUnit;
   // Left uninitialised: every byte written out is encoded first.
-  const auto bytes = std::make_unique_for_overwrite<char[]>(kPiece * talp::utf::kMaxUTF8PerUnit);
-  while (!units.empty()) {
+  std::unique_ptr<char[]> buffers[2] = {std::make_unique_for_overwrite<char[]>(kBufferBytes),
+                                        std::make_unique_for_overwrite<char[]>(kBufferBytes)};
+  const auto encodeNext = [&units](char* bytes) {
     std::size_t take = std::min(kPiece, units.size());
     if (take < units.size() && take > 0 && (units[take - 1] & 0xFC00) == 0xD800) --take;
-    const std::size_t written = talp::utf::EncodeUTF8To(units.substr(0, take), bytes.get());
-    out.write(bytes.get(), static_cast<std::streamsize>(written));
+    const std::size_t written = talp::utf::EncodeUTF8To(units.substr(0, take), bytes);
     units.remove_prefix(take);
+    return written;
+  };
+  std::size_t ready = encodeNext(buffers[0].get());
+  for (int current = 0;; current = 1 - current) {
+    std::future<std::size_t> next;
+    if (!units.empty()) {
+      char* const other = buffers[1 - current].get();
+      try {
+        next = std::async(std::launch::async, encodeNext, other);
+      } catch (const std::system_error&) {
+        next = std::async(std::launch::deferred, encodeNext, other);
+      }
+    }
+    out.write(buffers[current].get(), static_cast<std::streamsize>(ready));
+    if (!next.valid()) return;
+    ready = next.get();
   }
 }
 

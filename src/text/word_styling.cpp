@@ -94,17 +94,23 @@ void AppendSplit(std::u16string_view units, std::u16string_view sep, bool second
   // Reused from call to call: records are split by the million.
   thread_local std::vector<std::u16string_view> items;
   items.clear();
+  // Occurrences are counted overlapping, which only a separator of several
+  // units can do. With one unit, the first part needs no item after k.
+  const bool oneUnit = sep.size() == 1 && !utf::IsSurrogate(sep[0]);
+  const std::size_t enough = oneUnit && !secondPart && k >= 0 ? static_cast<std::size_t>(k) + 1 : SIZE_MAX;
   std::size_t from = 0;
-  for (std::size_t at; !sep.empty() && (at = utf::FindAtCharBoundaries(units, sep, from)) != std::u16string_view::npos;) {
+  for (std::size_t at; !sep.empty() && items.size() < enough &&
+                       (at = utf::FindAtCharBoundaries(units, sep, from)) != std::u16string_view::npos;) {
     items.push_back(units.substr(from, at - from));
     from = at + sep.size();
   }
-  items.push_back(units.substr(from));
-  // Occurrences are counted overlapping, which only a separator of several
-  // units can do.
-  const int separators = sep.size() == 1 && !utf::IsSurrogate(sep[0])
-                             ? static_cast<int>(std::min<std::size_t>(items.size() - 1, INT_MAX))
-                             : CountItemUnits(units, sep);
+  int separators;
+  if (items.size() == enough) {
+    separators = static_cast<int>(std::min<std::int64_t>(k, INT_MAX));  // at least k + 1: only the first k count
+  } else {
+    items.push_back(units.substr(from));
+    separators = oneUnit ? static_cast<int>(std::min<std::size_t>(items.size() - 1, INT_MAX)) : CountItemUnits(units, sep);
+  }
   bool empty = true;
   for (int i = 0; i < separators; ++i) {
     if ((i < k) == secondPart) continue;

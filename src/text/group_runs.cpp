@@ -4,40 +4,42 @@
 
 namespace talp {
 
-void GroupRuns::Add(std::u16string_view record, const std::vector<std::u16string_view>& fields) {
+void GroupRuns::Add(std::u16string_view record, const std::vector<std::u16string_view>& fields,
+                    std::u16string& out) {
   if (!grouping_) {
-    out_.append(record).push_back(kCR);
+    out.append(record).push_back(kCR);
+    started_ = true;
     return;
   }
   const std::u16string_view groupValue = groupField_ >= 0 && static_cast<std::size_t>(groupField_) < fields.size()
                                              ? fields[static_cast<std::size_t>(groupField_)]
                                              : std::u16string_view();
-  filled_.clear();
-  entry_.Fill(fields, filled_);
   // The style changes before it is used.
   light_ = !light_;
   const std::u16string_view style = light_ ? u"<pstyle:LineLight>" : u"<pstyle:LineDark>";
   if (groupValue == previous_) {
-    out_.append(u"<br>").append(style).append(filled_);
+    out.append(u"<br>").append(style);
     ++runCount_;
-    return;
+  } else {
+    if (started_) {
+      CloseRun(out);
+      out.push_back(kCR);
+    }
+    started_ = true;
+    out.append(record).append(style);
+    previous_ = groupValue;
+    runCount_ = 0;
   }
-  if (!out_.empty()) {
-    CloseRun();
-    out_.push_back(kCR);
-  }
-  out_.append(record).append(style).append(filled_);
-  previous_ = groupValue;
-  runCount_ = 0;
+  entry_.Fill(fields, out);
 }
 
-void GroupRuns::Finish() {
-  if (grouping_) CloseRun();
+void GroupRuns::Finish(std::u16string& out) {
+  if (grouping_) CloseRun(out);
 }
 
-void GroupRuns::CloseRun() {
-  out_.push_back(kTab);
-  AppendNumber(runCount_ + 1, out_);
+void GroupRuns::CloseRun(std::u16string& out) {
+  out.push_back(kTab);
+  AppendNumber(runCount_ + 1, out);
 }
 
 }  // namespace talp

@@ -1,17 +1,18 @@
 #include "text/restyle_pipeline.h"
 
 #include <algorithm>
-#include <exception>
 #include <system_error>
 
 namespace talp {
 
-// Records read together and restyled together, by one worker.
+// Records read together, restyled and assembled together by one worker.
 struct RestylePipeline::Batch {
   std::vector<Record> records;  // kept from batch to batch; the first count are in use
   std::size_t count = 0;
-  bool styled = false;           // guarded by the pipeline's mutex
-  std::exception_ptr failure;    // a worker's, rethrown when the batch is handed out
+  std::uint64_t sequence = 0;  // its place in the run, from 0
+  std::u16string text;         // assembled
+  bool done = false;           // guarded by the pipeline's mutex
+  std::exception_ptr failure;  // rethrown when the batch is handed out
 };
 
 namespace {
@@ -44,7 +45,7 @@ RestylePipeline::RestylePipeline(const WideString& styling, unsigned threads, st
     }
   }
   // One batch more than workers, so that this thread reads one while they
-  // restyle the others.
+  // work on the others.
   const std::size_t depth = workers_.empty() ? 1 : workers_.size() + 1;
   while (batches_.size() < depth) batches_.push_back(std::make_unique<Batch>());
 }
@@ -58,6 +59,29 @@ RestylePipeline::~RestylePipeline() {
   for (std::thread& worker : workers_) worker.join();
 }
 
+// Restyles the batch, then waits for its turn to assemble.
+void RestylePipeline::Process(WordStyling& styler, Batch& batch) {
+  try {
+    Restyle(styler, *header_, batch.records, batch.count);
+  } catch (...) {
+    batch.failure = std::current_exception();
+  }
+  std::unique_lock lock(mutex_);
+  assembledUpTo_.wait(lock, [&] { return assembled_ == batch.sequence || cancelled_; });
+  if (!cancelled_ && !batch.failure) {
+    lock.unlock();
+    try {
+      for (std::size_t i = 0; i < batch.count; ++i) (*assemble_)(batch.records[i], batch.text);
+    } catch (...) {
+      batch.failure = std::current_exception();
+    }
+    lock.lock();
+  }
+  // A failed batch still passes the turn on: the run ends when it is handed out.
+  if (assembled_ == batch.sequence) ++assembled_;
+  assembledUpTo_.notify_all();
+}
+
 void RestylePipeline::Work(WordStyling& styler) {
   std::unique_lock lock(mutex_);
   for (;;) {
@@ -65,17 +89,12 @@ void RestylePipeline::Work(WordStyling& styler) {
     if (queue_.empty()) return;
     Batch& batch = *queue_.front();
     queue_.pop_front();
-    const WideString& header = *header_;
     lock.unlock();
-    try {
-      Restyle(styler, header, batch.records, batch.count);
-    } catch (...) {
-      batch.failure = std::current_exception();
-    }
+    Process(styler, batch);
     lock.lock();
-    batch.styled = true;
+    batch.done = true;
     --unfinished_;
-    styled_.notify_all();
+    done_.notify_all();
   }
 }
 
@@ -93,24 +112,25 @@ bool RestylePipeline::Read(Batch& batch, const Reader& read) const {
 
 void RestylePipeline::Submit(Batch& batch) {
   batch.failure = nullptr;
+  batch.text.clear();
   if (workers_.empty()) {
-    Restyle(*localStyler_, *header_, batch.records, batch.count);
-    batch.styled = true;
+    Process(*localStyler_, batch);
+    batch.done = true;
     return;
   }
   {
     const std::lock_guard lock(mutex_);
-    batch.styled = false;
+    batch.done = false;
     queue_.push_back(&batch);
     ++unfinished_;
   }
   submitted_.notify_one();
 }
 
-void RestylePipeline::AwaitStyled(Batch& batch) {
+void RestylePipeline::AwaitDone(Batch& batch) {
   if (!workers_.empty()) {
     std::unique_lock lock(mutex_);
-    styled_.wait(lock, [&batch] { return batch.styled; });
+    done_.wait(lock, [&batch] { return batch.done; });
   }
   if (batch.failure) std::rethrow_exception(batch.failure);
 }
@@ -119,11 +139,20 @@ void RestylePipeline::WaitForWorkers() {
   std::unique_lock lock(mutex_);
   unfinished_ -= queue_.size();
   queue_.clear();
-  styled_.wait(lock, [this] { return unfinished_ == 0; });
+  cancelled_ = true;
+  assembledUpTo_.notify_all();
+  done_.wait(lock, [this] { return unfinished_ == 0; });
 }
 
-void RestylePipeline::Run(const WideString& header, const Reader& read, const Consumer& consume) {
-  header_ = &header;
+void RestylePipeline::Run(const WideString& header, const Reader& read, const Assembler& assemble,
+                          const Taker& take) {
+  {
+    const std::lock_guard lock(mutex_);
+    header_ = &header;
+    assemble_ = &assemble;
+    assembled_ = 0;
+    cancelled_ = false;
+  }
   // Whatever ends the run, no worker is left with one of its batches.
   struct WorkersDone {
     RestylePipeline& pipeline;
@@ -131,20 +160,21 @@ void RestylePipeline::Run(const WideString& header, const Reader& read, const Co
   } workersDone{*this};
 
   const std::size_t depth = batches_.size();
-  std::size_t started = 0, handedOut = 0;
+  std::uint64_t started = 0, handedOut = 0;
   bool more = true;
   for (;;) {
     while (more && started - handedOut < depth) {
       Batch& batch = *batches_[started % depth];
       more = Read(batch, read);
       if (batch.count == 0) break;
+      batch.sequence = started;
       Submit(batch);
       ++started;
     }
     if (handedOut == started) return;
     Batch& batch = *batches_[handedOut % depth];
-    AwaitStyled(batch);
-    for (std::size_t i = 0; i < batch.count; ++i) consume(batch.records[i]);
+    AwaitDone(batch);
+    take(batch.text);
     ++handedOut;
   }
 }

@@ -1,13 +1,17 @@
-// Word styling for the records of a loop, on every core: the caller's thread
-// reads records in batches and hands them out in order, while worker threads
-// restyle the batches read ahead. Each worker keeps its own styling instance
-// for the whole run, so that what it remembers stays warm on its core.
+// Word styling for the records of a loop, on every core. The caller's thread
+// reads records in batches; worker threads restyle the batches read ahead,
+// each with its own styling instance for the whole run (what it remembers
+// stays warm on its core), and then assemble each batch into text, batch
+// after batch in record order, while the records are still in that core's
+// cache. The caller's thread only appends the assembled texts in order.
 // Records come out exactly as WordStyling::RestyleInLoop makes them.
 #pragma once
 
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -27,9 +31,13 @@ class RestylePipeline {
     std::u16string text;                      // TAB-separated, restyled
     std::vector<std::u16string_view> fields;  // views into text, computed fields included
   };
-  // Reads the next record into its argument (cleared first); false at the end.
+  // Reads the next record into its argument, which is empty; false at the end.
   using Reader = std::function<bool(std::u16string&)>;
-  using Consumer = std::function<void(const Record&)>;
+  // Appends what a record gives to the text of its batch. Called for every
+  // record in record order, never for two at once, on any thread.
+  using Assembler = std::function<void(const Record&, std::u16string&)>;
+  // Takes the text of each batch, in order, on the caller's thread.
+  using Taker = std::function<void(std::u16string_view)>;
 
   // styling and header as for WordStyling::RestyleInLoop. threads: workers,
   // 0 for one per core; styling that runs scripts always stays on the
@@ -39,16 +47,17 @@ class RestylePipeline {
   RestylePipeline(const RestylePipeline&) = delete;
   RestylePipeline& operator=(const RestylePipeline&) = delete;
 
-  // Restyles every record that read gives and hands each to consume, on the
-  // caller's thread. An exception from read, consume or a worker ends the
-  // run once the workers are done with its batches, and propagates.
-  void Run(const WideString& header, const Reader& read, const Consumer& consume);
+  // Restyles every record that read gives, assembles it and hands the texts
+  // to take. An exception from any of them ends the run once the workers are
+  // done with its batches, and propagates.
+  void Run(const WideString& header, const Reader& read, const Assembler& assemble, const Taker& take);
 
  private:
   struct Batch;
   bool Read(Batch& batch, const Reader& read) const;
   void Submit(Batch& batch);
-  void AwaitStyled(Batch& batch);
+  void Process(WordStyling& styler, Batch& batch);
+  void AwaitDone(Batch& batch);
   void WaitForWorkers();
   void Work(WordStyling& styler);
 
@@ -58,10 +67,13 @@ class RestylePipeline {
   std::vector<std::unique_ptr<Batch>> batches_;  // in turn
 
   std::mutex mutex_;
-  std::condition_variable submitted_, styled_;
-  std::deque<Batch*> queue_;  // submitted, not yet taken by a worker
-  std::size_t unfinished_ = 0;  // submitted and not yet styled
+  std::condition_variable submitted_, assembledUpTo_, done_;
+  std::deque<Batch*> queue_;    // submitted, not yet taken by a worker
+  std::size_t unfinished_ = 0;  // submitted and not yet done
+  std::uint64_t assembled_ = 0;  // batches of the run assembled so far
+  bool cancelled_ = false;       // the run ends early: no more assembling
   const WideString* header_ = nullptr;
+  const Assembler* assemble_ = nullptr;
   bool stopping_ = false;
   std::vector<std::thread> workers_;
 };

@@ -40,10 +40,12 @@ std::vector<std::u16string> Expected(int count) {
   return records;
 }
 
+// Each record assembled as its text, "#" and its fields, one per line; the
+// assembler also counts records, which must come one at a time, in order.
 std::vector<std::u16string> Piped(int count, unsigned threads, std::size_t batchSize) {
   RestylePipeline pipeline(kStyling, threads, batchSize);
-  std::vector<std::u16string> records;
-  int n = 0;
+  int n = 0, assembled = 0;
+  std::u16string all;
   pipeline.Run(
       kHeader,
       [&](std::u16string& record) {
@@ -51,11 +53,17 @@ std::vector<std::u16string> Piped(int count, unsigned threads, std::size_t batch
         record = RecordNumber(n++);
         return true;
       },
-      [&](const RestylePipeline::Record& record) {
-        std::u16string fields;
-        for (const std::u16string_view field : record.fields) fields.append(field).append(u"|");
-        records.push_back(record.text + u"#" + fields);
-      });
+      [&](const RestylePipeline::Record& record, std::u16string& text) {
+        EXPECT_EQ(record.text.substr(0, record.text.find(u'\t')), WideString(std::to_string(assembled++)).Units());
+        text.append(record.text).append(u"#");
+        for (const std::u16string_view field : record.fields) text.append(field).append(u"|");
+        text.push_back(u'\n');
+      },
+      [&](std::u16string_view text) { all.append(text); });
+  std::vector<std::u16string> records;
+  for (std::size_t start = 0, end; (end = all.find(u'\n', start)) != std::u16string::npos; start = end + 1) {
+    records.emplace_back(all.substr(start, end - start));
+  }
   return records;
 }
 
@@ -78,24 +86,36 @@ INSTANTIATE_TEST_SUITE_P(Batches, RestylePipelineOrder,
                                          PipelineCase{100, 1, 7}, PipelineCase{100, 4, 1},
                                          PipelineCase{1000, 3, 16}, PipelineCase{5000, 0, 4096}));
 
-TEST(RestylePipeline, AFailingConsumerEndsTheRunAfterTheWorkers) {
+// A failure in the assembler (on a worker) or in the taker (on the caller's
+// thread) ends the run after the workers; the pipeline can run again.
+TEST(RestylePipeline, AFailureEndsTheRunAfterTheWorkers) {
   test::TestHost host;
-  RestylePipeline pipeline(kStyling, 4, 2);
-  int read = 0, consumed = 0;
-  const auto run = [&] {
-    pipeline.Run(
-        kHeader,
-        [&](std::u16string& record) {
-          record = RecordNumber(read);
-          return ++read < 1000;
-        },
-        [&](const RestylePipeline::Record&) {
-          if (++consumed == 5) throw std::runtime_error("full");
-        });
-  };
-  EXPECT_THROW(run(), std::runtime_error);
-  EXPECT_EQ(consumed, 5);
-  EXPECT_LT(read, 1000);  // reading stopped with the consumer
+  for (const unsigned threads : {1U, 4U}) {
+    for (const bool inAssembler : {true, false}) {
+      RestylePipeline pipeline(kStyling, threads, 2);
+      int read = 0, assembled = 0, taken = 0;
+      const auto run = [&] {
+        pipeline.Run(
+            kHeader,
+            [&](std::u16string& record) {
+              record = RecordNumber(read);
+              return ++read < 1000;
+            },
+            [&](const RestylePipeline::Record&, std::u16string& text) {
+              if (++assembled == 5 && inAssembler) throw std::runtime_error("bad record");
+              text.push_back(u'x');
+            },
+            [&](std::u16string_view) {
+              if (++taken == 3 && !inAssembler) throw std::runtime_error("full");
+            });
+      };
+      EXPECT_THROW(run(), std::runtime_error);
+      EXPECT_EQ(taken, inAssembler ? 2 : 3);  // batches of two: the third one failed
+      EXPECT_LT(read, 1000);                  // reading stopped
+      read = 990;
+      EXPECT_NO_THROW(run());
+    }
+  }
 }
 
 TEST(WordStyling, RestylingInALoopGivesTheDocumentsFieldsInTabForm) {

@@ -39,7 +39,7 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
   // The result is about twice the file in UTF-16, more with long computed fields.
   host::ReserveLargeText(out, out.size() + 4 * static_cast<std::size_t>(lines.FileSize()));
   // The header names fields from 1.
-  GroupRuns runs(out, grouping, groupColumn - 1, entryTemplate);
+  GroupRuns runs(!out.empty(), grouping, groupColumn - 1, entryTemplate);
   std::size_t lineNumber = 1;
   const auto read = [&](std::u16string& record) {
     if (!lines.Next(line)) return false;
@@ -49,11 +49,11 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
     if (lines.LastEndedWithCR()) record.push_back(kTab);
     return true;
   };
-  const auto add = [&](const RestylePipeline::Record& record) {
-    if (query.IsEmpty() || filter.Includes(record.text)) runs.Add(record.text, record.fields);
+  const auto assemble = [&](const RestylePipeline::Record& record, std::u16string& text) {
+    if (query.IsEmpty() || filter.Includes(record.text)) runs.Add(record.text, record.fields, text);
   };
-  restyle.Run(header, read, add);
-  runs.Finish();
+  restyle.Run(header, read, assemble, [&out](std::u16string_view text) { out.append(text); });
+  runs.Finish(out);
   result = WideString(std::move(out));
   return 0;
 }

@@ -10,7 +10,6 @@ struct RestylePipeline::Batch {
   std::vector<Record> records;  // kept from batch to batch; the first count are in use
   std::size_t count = 0;
   std::uint64_t sequence = 0;  // its place in the run, from 0
-  std::u16string text;         // assembled
   bool done = false;           // guarded by the pipeline's mutex
   std::exception_ptr failure;  // rethrown when the batch is handed out
 };
@@ -71,13 +70,15 @@ void RestylePipeline::Process(WordStyling& styler, Batch& batch) {
   if (!cancelled_ && !batch.failure) {
     lock.unlock();
     try {
-      for (std::size_t i = 0; i < batch.count; ++i) (*assemble_)(batch.records[i], batch.text);
+      for (std::size_t i = 0; i < batch.count; ++i) (*assemble_)(batch.records[i]);
     } catch (...) {
       batch.failure = std::current_exception();
     }
     lock.lock();
   }
-  // A failed batch still passes the turn on: the run ends when it is handed out.
+  // A failed batch still passes the turn on, but nothing after it is
+  // assembled: the run ends when it is handed out.
+  if (batch.failure) cancelled_ = true;
   if (assembled_ == batch.sequence) ++assembled_;
   assembledUpTo_.notify_all();
 }
@@ -112,7 +113,6 @@ bool RestylePipeline::Read(Batch& batch, const Reader& read) const {
 
 void RestylePipeline::Submit(Batch& batch) {
   batch.failure = nullptr;
-  batch.text.clear();
   if (workers_.empty()) {
     Process(*localStyler_, batch);
     batch.done = true;
@@ -144,8 +144,7 @@ void RestylePipeline::WaitForWorkers() {
   done_.wait(lock, [this] { return unfinished_ == 0; });
 }
 
-void RestylePipeline::Run(const WideString& header, const Reader& read, const Assembler& assemble,
-                          const Taker& take) {
+void RestylePipeline::Run(const WideString& header, const Reader& read, const Assembler& assemble) {
   {
     const std::lock_guard lock(mutex_);
     header_ = &header;
@@ -174,7 +173,6 @@ void RestylePipeline::Run(const WideString& header, const Reader& read, const As
     if (handedOut == started) return;
     Batch& batch = *batches_[handedOut % depth];
     AwaitDone(batch);
-    take(batch.text);
     ++handedOut;
   }
 }

@@ -1,9 +1,9 @@
 // Word styling for the records of a loop, on every core. The caller's thread
 // reads records in batches; worker threads restyle the batches read ahead,
 // each with its own styling instance for the whole run (what it remembers
-// stays warm on its core), and then assemble each batch into text, batch
-// after batch in record order, while the records are still in that core's
-// cache. The caller's thread only appends the assembled texts in order.
+// stays warm on its core), and then hand the batch's records to the
+// assembler, batch after batch in record order, while the records are still
+// in that core's cache.
 // Records come out exactly as WordStyling::RestyleInLoop makes them.
 #pragma once
 
@@ -33,11 +33,11 @@ class RestylePipeline {
   };
   // Reads the next record into its argument, which is empty; false at the end.
   using Reader = std::function<bool(std::u16string&)>;
-  // Appends what a record gives to the text of its batch. Called for every
-  // record in record order, never for two at once, on any thread.
-  using Assembler = std::function<void(const Record&, std::u16string&)>;
-  // Takes the text of each batch, in order, on the caller's thread.
-  using Taker = std::function<void(std::u16string_view)>;
+  // Takes each record: called for every record in record order, never for
+  // two at once, on any thread (the pipeline orders the calls, so what it
+  // touches needs no lock of its own, but must not be used by the caller
+  // during the run).
+  using Assembler = std::function<void(const Record&)>;
 
   // styling and header as for WordStyling::RestyleInLoop. threads: workers,
   // 0 for one per core; styling that runs scripts always stays on the
@@ -47,10 +47,10 @@ class RestylePipeline {
   RestylePipeline(const RestylePipeline&) = delete;
   RestylePipeline& operator=(const RestylePipeline&) = delete;
 
-  // Restyles every record that read gives, assembles it and hands the texts
-  // to take. An exception from any of them ends the run once the workers are
-  // done with its batches, and propagates.
-  void Run(const WideString& header, const Reader& read, const Assembler& assemble, const Taker& take);
+  // Restyles every record that read gives and hands it to assemble. An
+  // exception from either ends the run once the workers are done with its
+  // batches, and propagates.
+  void Run(const WideString& header, const Reader& read, const Assembler& assemble);
 
  private:
   struct Batch;

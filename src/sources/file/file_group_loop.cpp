@@ -49,10 +49,10 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
     if (lines.LastEndedWithCR()) record.push_back(kTab);
     return true;
   };
-  const auto assemble = [&](const RestylePipeline::Record& record, std::u16string& text) {
-    if (query.IsEmpty() || filter.Includes(record.text)) runs.Add(record.text, record.fields, text);
+  const auto assemble = [&](const RestylePipeline::Record& record) {
+    if (query.IsEmpty() || filter.Includes(record.text)) runs.Add(record.text, record.fields, out);
   };
-  restyle.Run(header, read, assemble, [&out](std::u16string_view text) { out.append(text); });
+  restyle.Run(header, read, assemble);
   runs.Finish(out);
   result = WideString(std::move(out));
   return 0;

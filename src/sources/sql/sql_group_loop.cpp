@@ -50,10 +50,8 @@ int fetchRecordGroupLoopSQL(const PMString& host, int port, const PMString& user
     sql::LoopRecord(rows.get(), row, lengths, bytes, record);
     return true;
   };
-  const auto assemble = [&runs](const RestylePipeline::Record& record, std::u16string& text) {
-    runs.Add(record.text, record.fields, text);
-  };
-  restyle.Run(header, read, assemble, [&out](std::u16string_view text) { out.append(text); });
+  const auto assemble = [&](const RestylePipeline::Record& record) { runs.Add(record.text, record.fields, out); };
+  restyle.Run(header, read, assemble);
   runs.Finish(out);
   result = WideString(std::move(out));
   session.Close();

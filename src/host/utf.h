@@ -3,6 +3,7 @@
 // becomes U+FFFD where a well-formed result is required.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -43,6 +44,14 @@ inline std::size_t FindAtCharBoundaries(std::u16string_view hay, std::u16string_
     const bool endsInside = end > 0 && end < hay.size() && IsLowSurrogate(hay[end]) && IsHighSurrogate(hay[end - 1]);
     if (!startsInside && !endsInside) return from;
   }
+}
+
+// Appends ASCII text (digits, signs, names) as UTF-16, a unit for a byte,
+// without the temporary text that appending a range of chars would make.
+inline void AppendAscii(std::string_view ascii, std::u16string& out) {
+  const std::size_t at = out.size();
+  out.resize(at + ascii.size());
+  std::copy(ascii.begin(), ascii.end(), out.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
 // Appends c as UTF-16: one unit, or a pair above U+FFFF. Values above

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/utf.h"
 #include "talp/host_services.h"
 
 namespace talp {
@@ -207,11 +208,11 @@ bool AppendShortDecimal(double value, std::u16string& out) {
       const std::size_t whole = digits.size() > k ? digits.size() - k : 0;
       if (value < 0) out.push_back(u'-');
       if (whole == 0) out.push_back(u'0');
-      out.append(digits.begin(), digits.begin() + static_cast<std::ptrdiff_t>(whole));
+      utf::AppendAscii(digits.substr(0, whole), out);
       if (k == 0) return true;
       out.push_back(u'.');
       out.append(k - (digits.size() - whole), u'0');
-      out.append(digits.begin() + static_cast<std::ptrdiff_t>(whole), digits.end());
+      utf::AppendAscii(digits.substr(whole), out);
       return true;
     }
   }
@@ -241,7 +242,7 @@ double ReadUserNumber(std::u16string_view operand, char16_t decimal) {
 }
 
 void AppendCalcNumber(double value, std::u16string& out) {
-  const auto append = [&out](std::string_view ascii) { out.append(ascii.begin(), ascii.end()); };
+  const auto append = [&out](std::string_view ascii) { utf::AppendAscii(ascii, out); };
   if (std::isnan(value)) return append(std::signbit(value) ? "-nan" : "nan");
   if (std::isinf(value)) return append(value < 0 ? "-inf" : "inf");
   if (value == 0) return append("0");

@@ -128,7 +128,7 @@ void AppendNumber(long number, std::u16string& out) {
   }
   char digits[24];
   const auto result = std::to_chars(digits, digits + sizeof digits, number);
-  out.append(digits, result.ptr);
+  utf::AppendAscii(std::string_view(digits, static_cast<std::size_t>(result.ptr - digits)), out);
 }
 
 int CountUnicodeLines(const WideString& text) {

@@ -9,8 +9,9 @@ namespace talp {
 struct RestylePipeline::Batch {
   std::vector<Record> records;  // kept from batch to batch; the first count are in use
   std::size_t count = 0;
-  std::uint64_t sequence = 0;  // its place in the run, from 0
-  bool done = false;           // guarded by the pipeline's mutex
+  std::uint64_t sequence = 0;  // its place in the run, from 0; guarded
+  bool restyled = false;       // guarded by the pipeline's mutex
+  bool done = false;           // assembled (or dropped after a failure); guarded too
   std::exception_ptr failure;  // rethrown when the batch is handed out
 };
 
@@ -66,7 +67,10 @@ RestylePipeline::~RestylePipeline() {
   for (std::thread& worker : workers_) worker.join();
 }
 
-// Restyles the batch, then waits for its turn to assemble.
+// Restyles the batch. Then, unless another worker is assembling (it comes to
+// this batch when it is done), assembles every batch that is next in record
+// order and restyled: no worker waits for its turn, and a batch is mostly
+// assembled on the core that restyled it.
 void RestylePipeline::Process(WordStyling& styler, Batch& batch) {
   try {
     Restyle(styler, *header_, batch.records, batch.count);
@@ -74,21 +78,29 @@ void RestylePipeline::Process(WordStyling& styler, Batch& batch) {
     batch.failure = std::current_exception();
   }
   std::unique_lock lock(mutex_);
-  assembledUpTo_.wait(lock, [&] { return assembled_ == batch.sequence || cancelled_; });
-  if (!cancelled_ && !batch.failure) {
-    lock.unlock();
-    try {
-      for (std::size_t i = 0; i < batch.count; ++i) (*assemble_)(batch.records[i]);
-    } catch (...) {
-      batch.failure = std::current_exception();
+  batch.restyled = true;
+  if (assembling_) return;
+  assembling_ = true;
+  for (;;) {
+    Batch& next = *batches_[assembled_ % batches_.size()];
+    if (next.sequence != assembled_ || !next.restyled || next.done) break;
+    if (!cancelled_ && !next.failure) {
+      lock.unlock();
+      try {
+        for (std::size_t i = 0; i < next.count; ++i) (*assemble_)(next.records[i]);
+      } catch (...) {
+        next.failure = std::current_exception();
+      }
+      lock.lock();
     }
-    lock.lock();
+    // Nothing after a failed batch is assembled: the run ends when it is
+    // handed out.
+    if (next.failure) cancelled_ = true;
+    next.done = true;
+    ++assembled_;
+    done_.notify_all();
   }
-  // A failed batch still passes the turn on, but nothing after it is
-  // assembled: the run ends when it is handed out.
-  if (batch.failure) cancelled_ = true;
-  if (assembled_ == batch.sequence) ++assembled_;
-  assembledUpTo_.notify_all();
+  assembling_ = false;
 }
 
 void RestylePipeline::Work(WordStyling& styler) {
@@ -101,7 +113,6 @@ void RestylePipeline::Work(WordStyling& styler) {
     lock.unlock();
     Process(styler, batch);
     lock.lock();
-    batch.done = true;
     --unfinished_;
     done_.notify_all();
   }
@@ -119,16 +130,20 @@ bool RestylePipeline::Read(Batch& batch, const Reader& read) const {
   return true;
 }
 
-void RestylePipeline::Submit(Batch& batch) {
+void RestylePipeline::Submit(Batch& batch, std::uint64_t sequence) {
   batch.failure = nullptr;
+  {
+    const std::lock_guard lock(mutex_);
+    batch.sequence = sequence;
+    batch.restyled = false;
+    batch.done = false;
+  }
   if (workers_.empty()) {
     Process(*localStyler_, batch);
-    batch.done = true;
     return;
   }
   {
     const std::lock_guard lock(mutex_);
-    batch.done = false;
     queue_.push_back(&batch);
     ++unfinished_;
   }
@@ -148,7 +163,6 @@ void RestylePipeline::WaitForWorkers() {
   unfinished_ -= queue_.size();
   queue_.clear();
   cancelled_ = true;
-  assembledUpTo_.notify_all();
   done_.wait(lock, [this] { return unfinished_ == 0; });
 }
 
@@ -174,8 +188,7 @@ void RestylePipeline::Run(const WideString& header, const Reader& read, const As
       Batch& batch = *batches_[started % depth];
       more = Read(batch, read);
       if (batch.count == 0) break;
-      batch.sequence = started;
-      Submit(batch);
+      Submit(batch, started);
       ++started;
     }
     if (handedOut == started) return;

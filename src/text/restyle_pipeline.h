@@ -1,9 +1,8 @@
 // Word styling for the records of a loop, on every core. The caller's thread
 // reads records in batches; worker threads restyle the batches read ahead,
 // each with its own styling instance for the whole run (what it remembers
-// stays warm on its core), and then hand the batch's records to the
-// assembler, batch after batch in record order, while the records are still
-// in that core's cache.
+// stays warm on its core), and hand the records to the assembler, batch after
+// batch in record order, mostly on the core that restyled them.
 // Records come out exactly as WordStyling::RestyleInLoop makes them.
 #pragma once
 
@@ -55,7 +54,7 @@ class RestylePipeline {
  private:
   struct Batch;
   bool Read(Batch& batch, const Reader& read) const;
-  void Submit(Batch& batch);
+  void Submit(Batch& batch, std::uint64_t sequence);
   void Process(WordStyling& styler, Batch& batch);
   void AwaitDone(Batch& batch);
   void WaitForWorkers();
@@ -67,10 +66,11 @@ class RestylePipeline {
   std::vector<std::unique_ptr<Batch>> batches_;  // in turn
 
   std::mutex mutex_;
-  std::condition_variable submitted_, assembledUpTo_, done_;
+  std::condition_variable submitted_, done_;
   std::deque<Batch*> queue_;    // submitted, not yet taken by a worker
   std::size_t unfinished_ = 0;  // submitted and not yet done
   std::uint64_t assembled_ = 0;  // batches of the run assembled so far
+  bool assembling_ = false;      // a worker is assembling
   bool cancelled_ = false;       // the run ends early: no more assembling
   const WideString* header_ = nullptr;
   const Assembler* assemble_ = nullptr;

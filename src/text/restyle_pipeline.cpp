@@ -1,17 +1,19 @@
 #include "text/restyle_pipeline.h"
 
 #include <algorithm>
+#include <exception>
 #include <system_error>
 
 namespace talp {
 
-// Records read together, restyled and assembled together by one worker.
+// Records read together and restyled together by one worker.
 struct RestylePipeline::Batch {
   std::vector<Record> records;  // kept from batch to batch; the first count are in use
   std::size_t count = 0;
-  std::uint64_t sequence = 0;  // its place in the run, from 0; guarded
-  bool restyled = false;       // guarded by the pipeline's mutex
-  bool done = false;           // assembled (or dropped after a failure); guarded too
+  // Guarded by the pipeline's mutex:
+  std::uint64_t sequence = 0;  // its place in the run, from 0
+  bool restyled = false;
+  bool done = false;           // assembled, or dropped after a failure
   std::exception_ptr failure;  // rethrown when the batch is handed out
 };
 

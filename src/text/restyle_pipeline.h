@@ -10,7 +10,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <exception>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -68,7 +67,7 @@ class RestylePipeline {
   std::mutex mutex_;
   std::condition_variable submitted_, done_;
   std::deque<Batch*> queue_;    // submitted, not yet taken by a worker
-  std::size_t unfinished_ = 0;  // submitted and not yet done
+  std::size_t unfinished_ = 0;  // submitted, and a worker may still touch them
   std::uint64_t assembled_ = 0;  // batches of the run assembled so far
   bool assembling_ = false;      // a worker is assembling
   bool cancelled_ = false;       // the run ends early: no more assembling

@@ -4,11 +4,9 @@
 
 namespace talp {
 
-void GroupRuns::Add(std::u16string_view record, const std::vector<std::u16string_view>& fields,
-                    std::u16string& out) {
+void GroupRuns::Add(std::u16string_view record, const std::vector<std::u16string_view>& fields) {
   if (!grouping_) {
-    out.append(record).push_back(kCR);
-    started_ = true;
+    out_.append(record).push_back(kCR);
     return;
   }
   const std::u16string_view groupValue = groupField_ >= 0 && static_cast<std::size_t>(groupField_) < fields.size()
@@ -18,28 +16,27 @@ void GroupRuns::Add(std::u16string_view record, const std::vector<std::u16string
   light_ = !light_;
   const std::u16string_view style = light_ ? u"<pstyle:LineLight>" : u"<pstyle:LineDark>";
   if (groupValue == previous_) {
-    out.append(u"<br>").append(style);
+    out_.append(u"<br>").append(style);
     ++runCount_;
   } else {
-    if (started_) {
-      CloseRun(out);
-      out.push_back(kCR);
+    if (!out_.empty()) {
+      CloseRun();
+      out_.push_back(kCR);
     }
-    started_ = true;
-    out.append(record).append(style);
+    out_.append(record).append(style);
     previous_ = groupValue;
     runCount_ = 0;
   }
-  entry_.Fill(fields, out);
+  entry_.Fill(fields, out_);
 }
 
-void GroupRuns::Finish(std::u16string& out) {
-  if (grouping_) CloseRun(out);
+void GroupRuns::Finish() {
+  if (grouping_) CloseRun();
 }
 
-void GroupRuns::CloseRun(std::u16string& out) {
-  out.push_back(kTab);
-  AppendNumber(runCount_ + 1, out);
+void GroupRuns::CloseRun() {
+  out_.push_back(kTab);
+  AppendNumber(runCount_ + 1, out_);
 }
 
 }  // namespace talp

@@ -16,25 +16,23 @@ namespace talp {
 
 class GroupRuns {
  public:
-  // The text goes to the end of a result, piece by piece: afterText says
-  // whether the result already holds text, and then the first run is
+  // Appends to out, which may already hold text: then the first run is
   // preceded by a closing TAB "1" and CR, as if a run had been open.
   // groupField: the position (from 0) of the field that groups; a record
-  // without it has an empty group value. entry fills each record's entry and
-  // must outlive the runs.
-  GroupRuns(bool afterText, bool grouping, long groupField, const RecordTemplate& entry)
-      : started_(afterText), grouping_(grouping), groupField_(groupField), entry_(entry) {}
+  // without it has an empty group value. entry fills each record's entry.
+  // Both must outlive the runs.
+  GroupRuns(std::u16string& out, bool grouping, long groupField, const RecordTemplate& entry)
+      : out_(out), grouping_(grouping), groupField_(groupField), entry_(entry) {}
 
-  // Appends what the record gives to out, the next piece of the result.
-  void Add(std::u16string_view record, const std::vector<std::u16string_view>& fields, std::u16string& out);
+  void Add(std::u16string_view record, const std::vector<std::u16string_view>& fields);
   // Closes the last run; with grouping and no record added at all this still
   // gives TAB "1".
-  void Finish(std::u16string& out);
+  void Finish();
 
  private:
-  void CloseRun(std::u16string& out);
+  void CloseRun();
 
-  bool started_;  // whether the result holds text
+  std::u16string& out_;
   const bool grouping_;
   const long groupField_;
   const RecordTemplate& entry_;

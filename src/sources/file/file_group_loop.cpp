@@ -39,7 +39,7 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
   // The result is about twice the file in UTF-16, more with long computed fields.
   host::ReserveLargeText(out, out.size() + 4 * static_cast<std::size_t>(lines.FileSize()));
   // The header names fields from 1.
-  GroupRuns runs(!out.empty(), grouping, groupColumn - 1, entryTemplate);
+  GroupRuns runs(out, grouping, groupColumn - 1, entryTemplate);
   std::size_t lineNumber = 1;
   const auto read = [&](std::u16string& record) {
     if (!lines.Next(line)) return false;
@@ -50,10 +50,10 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
     return true;
   };
   const auto assemble = [&](const RestylePipeline::Record& record) {
-    if (query.IsEmpty() || filter.Includes(record.text)) runs.Add(record.text, record.fields, out);
+    if (query.IsEmpty() || filter.Includes(record.text)) runs.Add(record.text, record.fields);
   };
   restyle.Run(header, read, assemble);
-  runs.Finish(out);
+  runs.Finish();
   result = WideString(std::move(out));
   return 0;
 }

@@ -40,7 +40,7 @@ int fetchRecordGroupLoopSQL(const PMString& host, int port, const PMString& user
   AppendHeaderFromWordStyling(styling, layoutNames);
   const RecordTemplate entryTemplate(lineLayout.AsWide().Units(), layoutNames.Units());
   std::u16string out(result.Units());
-  GroupRuns runs(!out.empty(), groupPosition >= 0, groupPosition, entryTemplate);
+  GroupRuns runs(out, groupPosition >= 0, groupPosition, entryTemplate);
   sql::RowCursor cursor(rows.get());
   std::string bytes;
   const auto read = [&](std::u16string& record) {
@@ -50,9 +50,9 @@ int fetchRecordGroupLoopSQL(const PMString& host, int port, const PMString& user
     sql::LoopRecord(rows.get(), row, lengths, bytes, record);
     return true;
   };
-  const auto assemble = [&](const RestylePipeline::Record& record) { runs.Add(record.text, record.fields, out); };
+  const auto assemble = [&](const RestylePipeline::Record& record) { runs.Add(record.text, record.fields); };
   restyle.Run(header, read, assemble);
-  runs.Finish(out);
+  runs.Finish();
   result = WideString(std::move(out));
   session.Close();
   return 0;

@@ -73,19 +73,23 @@ server_pid() {
 
 # Sends SIGTERM (a clean shutdown takes well under a second), and SIGKILL if the
 # server still runs after 20 s.
-terminate() {
-  local pid=$1 tries
-  kill -TERM "$pid" 2>/dev/null || true
-  for ((tries = 0; tries < 200; tries++)); do
-    server_alive "$pid" || return 0
+# Waits up to $2 tenths of a second for server $1 to be gone.
+gone_within() {
+  local tries
+  for ((tries = 0; tries < $2; tries++)); do
+    server_alive "$1" || return 0
     sleep 0.1
   done
+  return 1
+}
+
+terminate() {
+  local pid=$1
+  kill -TERM "$pid" 2>/dev/null || true
+  gone_within "$pid" 200 && return 0
   echo "mariadb-server.sh: server $pid ignored SIGTERM for 20 s, killing it" >&2
   kill -KILL "$pid" 2>/dev/null || true
-  for ((tries = 0; tries < 50; tries++)); do
-    server_alive "$pid" || return 0
-    sleep 0.1
-  done
+  gone_within "$pid" 50 && return 0
   echo "mariadb-server.sh: server $pid survived SIGKILL" >&2
   return 1
 }

@@ -119,14 +119,6 @@ TEST(WordStyling, FieldsLineUpWithTheirNames) {
   EXPECT_EQ(unchanged.ToUTF8(), "name\r");
 }
 
-TEST(WordStyling, BrokenDocumentsGiveEmptyFieldsAndNoCrash) {
-  // An unclosed element runs to the end of the document.
-  EXPECT_EQ(Styled("<?xml?><Process><OutputField>a</OutputField><ProcessType>Calc", "n", "x\t"), "x\r0\r");
-  EXPECT_EQ(Styled("<?xml?><Process><ProcessType>Left</ProcessType><StringLength>-99</StringLength></Process>", "n",
-                   "x\t"),
-            "x\r\r");
-}
-
 class UpperCaseRunner : public host::IScriptRunner {
  public:
   bool CanRunFile(const PMString&) override { return true; }

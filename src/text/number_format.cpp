@@ -181,6 +181,28 @@ std::optional<double> ReadShortDecimal(Units operand, char16_t decimal) {
   return static_cast<double>(digits) / kExactPowersOfTen[fraction];
 }
 
+// The integer nearest to x, for 0 <= x < 2^52: adding 2^52 leaves no bits
+// for a fraction, so the sum rounds to an integer. Unlike nearbyint, it needs
+// no call on plain x86-64.
+double NearestInteger(double x) {
+  return (x + 0x1p52) - 0x1p52;
+}
+
+// Appends mantissa / 10^decimals in fixed form, with a "-" when negative.
+void AppendFixed(std::uint64_t mantissa, std::size_t decimals, bool negative, std::u16string& out) {
+  char16_t buffer[32];
+  char16_t* const end = buffer + sizeof buffer / sizeof buffer[0];
+  char16_t* first = end;
+  for (std::size_t d = 0; d < decimals; ++d, mantissa /= 10) *--first = static_cast<char16_t>(u'0' + mantissa % 10);
+  if (decimals > 0) *--first = u'.';
+  do {
+    *--first = static_cast<char16_t>(u'0' + mantissa % 10);
+    mantissa /= 10;
+  } while (mantissa != 0);
+  if (negative) *--first = u'-';
+  out.append(first, end);
+}
+
 // Appends value in its shortest fixed form when that has at most four
 // decimals, the common case of prices and quantities; false (and nothing
 // appended) otherwise. While |value| * 10^k stays below 2^52 at most one
@@ -188,31 +210,18 @@ std::optional<double> ReadShortDecimal(Units operand, char16_t decimal) {
 // what to_chars gives.
 bool AppendShortDecimal(double value, std::u16string& out) {
   const double magnitude = std::fabs(value);
-  // Most other values are far from any four-decimal number: 10^4 times
-  // them is then far from an integer, much farther than rounding can move it.
-  if (const double scaled = magnitude * 1e4; scaled < 0x1p40 && std::fabs(scaled - std::nearbyint(scaled)) > 0x1p-8) {
-    return false;
-  }
   for (std::size_t k = 0; k <= 4; ++k) {
     const double power = kExactPowersOfTen[k];
     const double scaled = magnitude * power;
     if (scaled >= 0x1p52) return false;
     // scaled is within a quarter of the exact product, so the integer
-    // nearest to that is one of these three.
-    const double nearest = std::nearbyint(scaled);
+    // nearest to that is one of these three; when scaled is farther than
+    // eight of its units in the last place from every integer, none is.
+    const double nearest = NearestInteger(scaled);
+    if (std::fabs(scaled - nearest) > scaled * 0x1p-49) continue;
     for (const double candidate : {nearest, nearest - 1, nearest + 1}) {
       if (candidate <= 0 || candidate / power != magnitude) continue;
-      char buffer[24];
-      const char* end = std::to_chars(buffer, buffer + sizeof buffer, static_cast<std::uint64_t>(candidate)).ptr;
-      const std::string_view digits(buffer, static_cast<std::size_t>(end - buffer));
-      const std::size_t whole = digits.size() > k ? digits.size() - k : 0;
-      if (value < 0) out.push_back(u'-');
-      if (whole == 0) out.push_back(u'0');
-      utf::AppendAscii(digits.substr(0, whole), out);
-      if (k == 0) return true;
-      out.push_back(u'.');
-      out.append(k - (digits.size() - whole), u'0');
-      utf::AppendAscii(digits.substr(whole), out);
+      AppendFixed(static_cast<std::uint64_t>(candidate), k, value < 0, out);
       return true;
     }
   }

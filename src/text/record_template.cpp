@@ -93,8 +93,15 @@ void RecordTemplate::AppendKey(const std::vector<std::u16string_view>& values, s
     const std::u16string_view value =
         static_cast<std::size_t>(piece.field) < values.size() ? values[static_cast<std::size_t>(piece.field)]
                                                               : std::u16string_view();
-    for (std::uint64_t length = value.size(), i = 0; i < 4; ++i, length >>= 16) {
-      key.push_back(static_cast<char16_t>(length & 0xFFFF));
+    // One unit for the length of a short value, 0xFFFF and four more for a
+    // long one.
+    if (value.size() < 0xFFFF) {
+      key.push_back(static_cast<char16_t>(value.size()));
+    } else {
+      key.push_back(u'\xFFFF');
+      for (std::uint64_t length = value.size(), i = 0; i < 4; ++i, length >>= 16) {
+        key.push_back(static_cast<char16_t>(length & 0xFFFF));
+      }
     }
     key.append(value);
   }

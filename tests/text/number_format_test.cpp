@@ -9,6 +9,7 @@
 #include <random>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "test_host.h"
 
@@ -73,6 +74,18 @@ TEST(CalcNumbers, QuickPathsAgreeWithTheLibrary) {
     const char* end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed).ptr;
     return std::string(buffer, static_cast<std::size_t>(end - buffer));
   };
+  // Where the quick way gives up: a value times 10^k near 2^52.
+  std::vector<double> edges;
+  for (const double power : {1.0, 10.0, 100.0, 1000.0, 10000.0}) {
+    double above = 0x1p52 / power, below = above;
+    for (int step = 0; step < 8; ++step) {
+      edges.push_back(above);
+      edges.push_back(below);
+      above = std::nextafter(above, 1e300);
+      below = std::nextafter(below, 0.0);
+    }
+  }
+  for (const double value : edges) ASSERT_EQ(FormatCalcNumber(value).ToUTF8(), reference(value)) << value;
   for (int i = 0; i < 50000; ++i) {
     // Prices times quantities, short decimals of every size, and any double.
     const double price = static_cast<double>(random() % 100000) / 100, stock = static_cast<double>(random() % 1000);

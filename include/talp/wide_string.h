@@ -31,6 +31,9 @@ class WideString {
 
   static WideString FromUTF8(std::string_view bytes) { return WideString(bytes); }
   static WideString FromUTF16(std::u16string_view units) { return WideString(std::u16string(units)); }
+  // From units that the caller has checked hold no high surrogate, so no
+  // pair: the pass that looks for pairs, long on a large text, is skipped.
+  static WideString FromUnitsWithoutHighSurrogates(std::u16string units);
   // Little-endian 16-bit units; an odd last byte is ignored.
   static WideString FromUTF16LE(std::string_view bytes);
 

@@ -19,6 +19,12 @@ WideString::WideString(std::string_view utf8) {
 
 WideString::WideString(std::u16string units) : units_(std::move(units)) { Reindex(); }
 
+WideString WideString::FromUnitsWithoutHighSurrogates(std::u16string units) {
+  WideString text;
+  text.units_ = std::move(units);
+  return text;
+}
+
 WideString::WideString(const PMString& narrow) : WideString(narrow.AsWide()) {}
 
 WideString WideString::FromUTF16LE(std::string_view bytes) {

@@ -5,6 +5,12 @@
 namespace talp {
 
 void GroupRuns::Add(std::u16string_view record, const std::vector<std::u16string_view>& fields) {
+  const std::size_t start = out_.size();
+  AddTo(record, fields);
+  highSurrogates_ = highSurrogates_ || host::HasHighSurrogate(std::u16string_view(out_).substr(start));
+}
+
+void GroupRuns::AddTo(std::u16string_view record, const std::vector<std::u16string_view>& fields) {
   if (!grouping_) {
     out_.append(record).push_back(kCR);
     return;

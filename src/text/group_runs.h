@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/unit_search.h"
 #include "text/record_template.h"
 
 namespace talp {
@@ -22,14 +23,20 @@ class GroupRuns {
   // without it has an empty group value. entry fills each record's entry.
   // Both must outlive the runs.
   GroupRuns(std::u16string& out, bool grouping, long groupField, const RecordTemplate& entry)
-      : out_(out), grouping_(grouping), groupField_(groupField), entry_(entry) {}
+      : out_(out), grouping_(grouping), groupField_(groupField), entry_(entry),
+        highSurrogates_(host::HasHighSurrogate(out)) {}
 
   void Add(std::u16string_view record, const std::vector<std::u16string_view>& fields);
   // Closes the last run; with grouping and no record added at all this still
   // gives TAB "1".
   void Finish();
+  // False only when out holds no high surrogate. The runs look at what they
+  // add right after adding it, while it is in the cache, so that a large
+  // result needs no pass of its own to find its pairs.
+  bool MayHoldHighSurrogates() const { return highSurrogates_; }
 
  private:
+  void AddTo(std::u16string_view record, const std::vector<std::u16string_view>& fields);
   void CloseRun();
 
   std::u16string& out_;
@@ -40,6 +47,7 @@ class GroupRuns {
   // No real record holds it, so the first record always opens a run.
   std::u16string previous_ = u"zzzzzzzzzzzzzzzzzzzzzzzzzzzzh";
   long runCount_ = 0;
+  bool highSurrogates_;
 };
 
 }  // namespace talp

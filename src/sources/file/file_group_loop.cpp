@@ -54,7 +54,8 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
   };
   restyle.Run(header, read, assemble);
   runs.Finish();
-  result = WideString(std::move(out));
+  result = runs.MayHoldHighSurrogates() ? WideString(std::move(out))
+                                        : WideString::FromUnitsWithoutHighSurrogates(std::move(out));
   return 0;
 }
 

@@ -27,6 +27,11 @@ TEST(GroupLoopFile, FoldsRunsIntoTaggedLines) {
       // Computed fields are read by TAB like the others and reach the output.
       {"ComputedFieldsReachTheOutput", xxy, "", "g", "[g]", styling, "",
        "1\tX\t10\t<pstyle:LineDark>X<br><pstyle:LineLight>X\t2\r3\tY\t30\t<pstyle:LineDark>Y\t1"},
+      // A pair from a record, an entry or the earlier text counts as one character.
+      {"PairInARecord", "\xEF\xBB\xBFid\tg\r1\t\U0001F600\r", "", "g", "", "", "", "1\t\U0001F600\t<pstyle:LineDark>\t1"},
+      {"PairInTheEntries", xxy, "", "g", "\U0001F600", "", "",
+       "1\tX\t<pstyle:LineDark>\U0001F600<br><pstyle:LineLight>\U0001F600\t2\r3\tY\t<pstyle:LineDark>\U0001F600\t1"},
+      {"PairInTheEarlierText", xxy, "zzz", "g", "", "", "\U0001F600", "\U0001F600\t1"},
   };
   const test::TempFolder folder;
   for (const auto& c : cases) {
@@ -35,6 +40,7 @@ TEST(GroupLoopFile, FoldsRunsIntoTaggedLines) {
     WideString result(c.before);
     EXPECT_EQ(fetchRecordGroupLoopFile(folder.Path(c.name), c.query, result, c.group, c.contents, c.styling), 0);
     EXPECT_EQ(result.ToUTF8(), c.expected);
+    EXPECT_EQ(result.CharCount(), WideString(c.expected).CharCount());
   }
 }
 

@@ -1,5 +1,7 @@
 #include "text/group_runs.h"
 
+#include <utility>
+
 #include "text/text_handlers.h"
 
 namespace talp {
@@ -36,8 +38,9 @@ void GroupRuns::AddTo(std::u16string_view record, const std::vector<std::u16stri
   entry_.Fill(fields, out_);
 }
 
-void GroupRuns::Finish() {
+WideString GroupRuns::Finish() {
   if (grouping_) CloseRun();
+  return highSurrogates_ ? WideString(std::move(out_)) : WideString::FromUnitsWithoutHighSurrogates(std::move(out_));
 }
 
 void GroupRuns::CloseRun() {

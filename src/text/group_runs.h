@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/unit_search.h"
+#include "talp/wide_string.h"
 #include "text/record_template.h"
 
 namespace talp {
@@ -27,13 +28,12 @@ class GroupRuns {
         highSurrogates_(host::HasHighSurrogate(out)) {}
 
   void Add(std::u16string_view record, const std::vector<std::u16string_view>& fields);
-  // Closes the last run; with grouping and no record added at all this still
-  // gives TAB "1".
-  void Finish();
-  // False only when out holds no high surrogate. The runs look at what they
-  // add right after adding it, while it is in the cache, so that a large
-  // result needs no pass of its own to find its pairs.
-  bool MayHoldHighSurrogates() const { return highSurrogates_; }
+  // Closes the last run (with grouping and no record added at all this still
+  // gives TAB "1") and hands out the text, taken from out. The runs look at
+  // what they add for high surrogates right after adding it, while it is in
+  // the cache, so that a large text needs no pass of its own to find its
+  // pairs.
+  WideString Finish();
 
  private:
   void AddTo(std::u16string_view record, const std::vector<std::u16string_view>& fields);

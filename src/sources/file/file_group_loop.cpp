@@ -53,9 +53,7 @@ int fetchRecordGroupLoopFile(const PMString& path, const PMString& query, WideSt
     if (query.IsEmpty() || filter.Includes(record.text)) runs.Add(record.text, record.fields);
   };
   restyle.Run(header, read, assemble);
-  runs.Finish();
-  result = runs.MayHoldHighSurrogates() ? WideString(std::move(out))
-                                        : WideString::FromUnitsWithoutHighSurrogates(std::move(out));
+  result = runs.Finish();
   return 0;
 }
 

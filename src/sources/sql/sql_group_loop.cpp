@@ -52,8 +52,7 @@ int fetchRecordGroupLoopSQL(const PMString& host, int port, const PMString& user
   };
   const auto assemble = [&](const RestylePipeline::Record& record) { runs.Add(record.text, record.fields); };
   restyle.Run(header, read, assemble);
-  runs.Finish();
-  result = WideString(std::move(out));
+  result = runs.Finish();
   session.Close();
   return 0;
 }

@@ -182,8 +182,9 @@ std::optional<double> ReadShortDecimal(Units operand, char16_t decimal) {
 }
 
 // The integer nearest to x, for 0 <= x < 2^52: adding 2^52 leaves no bits
-// for a fraction, so the sum rounds to an integer. Unlike nearbyint, it needs
-// no call on plain x86-64.
+// for a fraction, so the sum rounds to an integer (IEEE arithmetic keeps the
+// two steps apart; this code is never built with -ffast-math). Unlike
+// nearbyint, it needs no call on plain x86-64.
 double NearestInteger(double x) {
   return (x + 0x1p52) - 0x1p52;
 }

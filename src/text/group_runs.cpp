@@ -2,9 +2,14 @@
 
 #include <utility>
 
+#include "host/unit_search.h"
 #include "text/text_handlers.h"
 
 namespace talp {
+
+GroupRuns::GroupRuns(std::u16string& out, bool grouping, long groupField, const RecordTemplate& entry)
+    : out_(out), grouping_(grouping), groupField_(groupField), entry_(entry),
+      highSurrogates_(host::HasHighSurrogate(out)) {}
 
 void GroupRuns::Add(std::u16string_view record, const std::vector<std::u16string_view>& fields) {
   const std::size_t start = out_.size();

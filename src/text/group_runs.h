@@ -10,7 +10,6 @@
 #include <string_view>
 #include <vector>
 
-#include "host/unit_search.h"
 #include "talp/wide_string.h"
 #include "text/record_template.h"
 
@@ -23,9 +22,7 @@ class GroupRuns {
   // groupField: the position (from 0) of the field that groups; a record
   // without it has an empty group value. entry fills each record's entry.
   // Both must outlive the runs.
-  GroupRuns(std::u16string& out, bool grouping, long groupField, const RecordTemplate& entry)
-      : out_(out), grouping_(grouping), groupField_(groupField), entry_(entry),
-        highSurrogates_(host::HasHighSurrogate(out)) {}
+  GroupRuns(std::u16string& out, bool grouping, long groupField, const RecordTemplate& entry);
 
   void Add(std::u16string_view record, const std::vector<std::u16string_view>& fields);
   // Closes the last run (with grouping and no record added at all this still

@@ -54,9 +54,9 @@ RestylePipeline::RestylePipeline(const WideString& styling, unsigned threads, st
       }
     }
   }
-  // One batch more than workers, so that this thread reads one while they
-  // work on the others.
-  const std::size_t depth = workers_.empty() ? 1 : workers_.size() + 1;
+  // Two batches a worker, one it restyles and one waiting for it, and one
+  // more that this thread reads meanwhile.
+  const std::size_t depth = workers_.empty() ? 1 : 2 * workers_.size() + 1;
   while (batches_.size() < depth) batches_.push_back(std::make_unique<Batch>());
 }
 

@@ -40,7 +40,9 @@ class RestylePipeline {
   // styling and header as for WordStyling::RestyleInLoop. threads: workers,
   // 0 for one per core; styling that runs scripts always stays on the
   // caller's thread, and so does all styling when no thread can be started.
-  explicit RestylePipeline(const WideString& styling, unsigned threads = 0, std::size_t batchSize = 4096);
+  // Batches are small, so that the records in flight stay in the cores'
+  // caches between reading, restyling and assembling.
+  explicit RestylePipeline(const WideString& styling, unsigned threads = 0, std::size_t batchSize = 1024);
   ~RestylePipeline();
   RestylePipeline(const RestylePipeline&) = delete;
   RestylePipeline& operator=(const RestylePipeline&) = delete;

@@ -27,6 +27,10 @@ struct WordStyling::Process {
   WideString stringLength, startPosition, endPosition, search, replace, splitter, part, itemNumber, scriptFile;
   // The numbers of the document, read once.
   std::int64_t length = 0, start = 0, end = 0, item = 0;
+  // Where a CR in the value can come from: a number has none, and these
+  // types give only units of their information.
+  enum class Lines { kNone, kFromInfo, kAny };
+  Lines lines = Lines::kAny;
 };
 
 namespace {
@@ -136,6 +140,24 @@ WordStyling::Process::Type TypeOf(const WideString& word) {
   return Type::kUnknown;
 }
 
+WordStyling::Process::Lines LinesOf(const WordStyling::Process& p) {
+  using Type = WordStyling::Process::Type;
+  using Lines = WordStyling::Process::Lines;
+  const auto noCR = [](const WideString& text) { return text.Units().find(kCR) == std::u16string_view::npos; };
+  switch (p.kind) {
+    case Type::kCalc: case Type::kCharCount: case Type::kLineCount: case Type::kTabCount: case Type::kCountItems:
+      return Lines::kNone;
+    case Type::kLeft: case Type::kRight: case Type::kMid: case Type::kItem: case Type::kConcatenate:
+      return Lines::kFromInfo;
+    case Type::kSplit:
+      return noCR(p.splitter) ? Lines::kFromInfo : Lines::kAny;
+    case Type::kReplace:
+      return noCR(p.replace) ? Lines::kFromInfo : Lines::kAny;
+    default:
+      return Lines::kAny;
+  }
+}
+
 std::size_t CharCount(std::u16string_view units) {
   std::size_t pairs = 0;
   for (std::size_t i = 0; i + 1 < units.size(); ++i) {
@@ -243,6 +265,7 @@ WordStyling::WordStyling(const WideString& styling) : document_(isXMLFile(stylin
     added.start = NumberOf(added.startPosition);
     added.end = NumberOf(added.endPosition);
     added.item = NumberOf(added.itemNumber);
+    added.lines = LinesOf(added);
   }
 }
 
@@ -295,12 +318,16 @@ const std::vector<std::u16string_view>& WordStyling::RestyleInLoop(const WideStr
 // Conditionals and number formats are pure and costly, and catalogues repeat
 // their inputs (a stock level, a category): their results are remembered, up
 // to a bound on the memory that takes.
-std::u16string_view WordStyling::Compute(std::size_t n) {
+std::u16string_view WordStyling::Compute(std::size_t n, bool& withoutCR) {
   const Process& process = processes_[n];
   const bool remembered = process.kind == Process::Type::kExif || process.kind == Process::Type::kExfm;
   value_.clear();
+  withoutCR = process.lines == Process::Lines::kNone;
   if (!remembered) {
-    ComputeValue(process, infos_[n].Filled(fields_, filled_), decimal_, value_);
+    const std::u16string_view filled = infos_[n].Filled(fields_, filled_);
+    // A field of the record holds no CR: the record was split at them.
+    withoutCR = withoutCR || (process.lines == Process::Lines::kFromInfo && filled.data() != filled_.data());
+    ComputeValue(process, filled, decimal_, value_);
     return value_;
   }
   // The key is the values the information refers to, far shorter than the
@@ -338,13 +365,14 @@ void WordStyling::Restyle(const WideString& header, std::u16string& text, char16
   }
   // Each process sees the record with the values computed before it.
   for (std::size_t n = 0; n < processes_.size(); ++n) {
-    const std::u16string_view value = Compute(n);
+    bool withoutCR;
+    const std::u16string_view value = Compute(n, withoutCR);
     if (values != nullptr) values->emplace_back(value);
-    AppendValue(text, value, separator);
+    AppendValue(text, value, separator, withoutCR);
   }
 }
 
-void WordStyling::AppendValue(std::u16string& text, std::u16string_view value, char16_t separator) {
+void WordStyling::AppendValue(std::u16string& text, std::u16string_view value, char16_t separator, bool withoutCR) {
   // The value and its separator take exactly this much, CRs becoming
   // separators, so the text moves at most once: here, before the views are
   // taken again at their offsets.
@@ -360,7 +388,7 @@ void WordStyling::AppendValue(std::u16string& text, std::u16string_view value, c
   // The last field runs to the end of the text and grows with the value.
   auto lastStart = static_cast<std::size_t>(fields_.back().data() - text.data());
   for (;;) {
-    const std::size_t cr = host::FindUnit(value, 0, kCR, kCR);
+    const std::size_t cr = withoutCR ? host::kNotFound : host::FindUnit(value, 0, kCR, kCR);
     text.append(value.substr(0, cr));
     fields_.back() = {text.data() + lastStart, text.size() - lastStart};
     text.push_back(separator);

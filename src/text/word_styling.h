@@ -63,10 +63,11 @@ class WordStyling {
   void Restyle(const WideString& header, std::u16string& record, char16_t separator,
                std::vector<std::u16string>* values);
   // Appends value and a separator to record, splitting it into fields at its
-  // CRs; keeps fields_ pointing into record.
-  void AppendValue(std::u16string& record, std::u16string_view value, char16_t separator);
-  // The value of process n for the information in filled_.
-  std::u16string_view Compute(std::size_t n);
+  // CRs unless it is known to hold none; keeps fields_ pointing into record.
+  void AppendValue(std::u16string& record, std::u16string_view value, char16_t separator, bool withoutCR);
+  // The value of process n for the record's fields; withoutCR tells whether
+  // it is known to hold no CR.
+  std::u16string_view Compute(std::size_t n, bool& withoutCR);
 
   bool document_;
   WideString table_;  // the find/replace table when styling is no document

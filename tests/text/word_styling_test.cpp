@@ -119,6 +119,23 @@ TEST(WordStyling, FieldsLineUpWithTheirNames) {
   EXPECT_EQ(unchanged.ToUTF8(), "name\r");
 }
 
+// A CR in a value starts a new field of the loop's record. Values taken from
+// a field as it is hold none; a decoded field may hold one.
+TEST(WordStyling, ValuesSplitIntoFieldsAtTheirCRs) {
+  test::TestHost host;
+  WordStyling styling(WideString(Document({
+      Type("Left", "[note]", {{"StringLength", "3"}}),
+      Type("Left", "[name]", {{"StringLength", "2"}}),
+      Type("Replace", "[note]", {{"StringSearch", "b"}, {"StringReplace", "x"}}),
+      Type("Split", "[note]", {{"StringSplitter", "a"}, {"StringItemNumber", "1"}}),
+      Type("Calc", "1+1"),
+  })));
+  std::u16string record(WideString("Nut\ta&lt;br&gt;b\t").Units());
+  const std::vector<std::u16string_view> fields = styling.RestyleInLoop(WideString("name\rnote"), record);
+  EXPECT_EQ(fields, (std::vector<std::u16string_view>{u"Nut", u"a&lt;br&gt;b", u"a", u"b", u"Nu", u"a", u"x", u"",
+                                                      u"b", u"2", u""}));
+}
+
 class UpperCaseRunner : public host::IScriptRunner {
  public:
   bool CanRunFile(const PMString&) override { return true; }

@@ -24,14 +24,5 @@ TEST(HasHighSurrogate, FindsOneAtEveryPositionOfEveryLength) {
   EXPECT_FALSE(HasHighSurrogate(std::u16string_view()));
 }
 
-TEST(FindUnit, FindsTheFirstOfEitherUnitFromAnOffset) {
-  const std::u16string text = u"abc\tdefghijklmnop\rqrstuvwxyz\t";
-  EXPECT_EQ(FindUnit(text, 0, u'\t', u'\r'), 3U);
-  EXPECT_EQ(FindUnit(text, 4, u'\t', u'\r'), 17U);
-  EXPECT_EQ(FindUnit(text, 18, u'\t', u'\t'), text.size() - 1);
-  EXPECT_EQ(FindUnit(text, 0, u'#', u'#'), kNotFound);
-  EXPECT_EQ(FindUnit(u"abcdefghij\xDC00", 0, u'#', u'#', true), 10U);
-}
-
 }  // namespace
 }  // namespace talp::host

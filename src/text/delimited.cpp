@@ -70,12 +70,15 @@ void DelimitedImporter::Feed(std::u16string_view piece, std::u16string& out) {
   const char16_t quotedStops[4] = {u'"', kCR, kLF, kTab};
   const char16_t unquotedStops[4] = {kCR, delimiterUnit, kTab, kTab};
   // A delimiter of one unit outside the surrogates is converted inside the
-  // runs: outside quotes only a quote or a TAB needs a closer look.
-  const bool plainDelimiter = delimiterUnits.size() == 1 && !utf::IsSurrogate(delimiterUnit);
+  // runs: outside quotes only a quote or a TAB needs a closer look. A CR
+  // delimiter ends records, not fields, so it is left to the closer look.
+  const bool plainDelimiter = delimiterUnits.size() == 1 && !utf::IsSurrogate(delimiterUnit) &&
+                              delimiterUnit != kCR;
   const char16_t plainStops[4] = {u'"', kTab, kTab, kTab};
+  const bool runs = scan_ == Scan::kRuns;
   std::size_t i = 0;
   while (i < piece.size()) {
-    if (plainDelimiter && (state_ == State::kUnquoted || state_ == State::kFieldStart)) {
+    if (runs && plainDelimiter && (state_ == State::kUnquoted || state_ == State::kFieldStart)) {
       std::size_t stop = host::FindAnyUnit(piece, i, plainStops);
       if (stop == host::kNotFound) stop = piece.size();
       if (stop > i) {
@@ -87,7 +90,7 @@ void DelimitedImporter::Feed(std::u16string_view piece, std::u16string& out) {
         i = stop;
       }
       if (i == piece.size()) break;
-    } else if (state_ == State::kQuoted || state_ == State::kUnquoted) {
+    } else if (runs && (state_ == State::kQuoted || state_ == State::kUnquoted)) {
       const bool quoted = state_ == State::kQuoted;
       std::size_t stop = host::FindAnyUnit(piece, i, quoted ? quotedStops : unquotedStops);
       if (stop == host::kNotFound) stop = piece.size();

@@ -33,7 +33,10 @@ namespace talp {
 // result as converting it whole.
 class DelimitedImporter {
  public:
-  explicit DelimitedImporter(char32_t delimiter) : delimiter_(delimiter) {}
+  // kRuns copies runs of ordinary characters whole; kEachCharacter looks at
+  // every character on its own, the plain rule that kRuns must agree with.
+  enum class Scan { kRuns, kEachCharacter };
+  explicit DelimitedImporter(char32_t delimiter, Scan scan = Scan::kRuns) : delimiter_(delimiter), scan_(scan) {}
   // Appends the conversion of piece to out.
   void Feed(std::u16string_view piece, std::u16string& out);
 
@@ -41,6 +44,7 @@ class DelimitedImporter {
   enum class State { kFieldStart, kUnquoted, kQuoted, kQuoteInQuoted };
   State state_ = State::kFieldStart;
   char32_t delimiter_;
+  Scan scan_;
 };
 
 // Converts delimited text in place: the field delimiter is the first

@@ -32,12 +32,24 @@ TEST(DelimitedImportTest, UnicodeImportHandling) {
       {"TextAfterClosingQuoteKept", ",", u"\"ab\"c\"d\",e", u"abc\"d\"\te"},
       {"UnterminatedQuoteRunsToTheEnd", ",", u"\"a,b\rc", u"a,b<br>c"}, {"LoneQuote", ",", u"\"", u""},
       {"PairsKept", ",", SMILE u",\"" SMILE u"\"", SMILE u"\t" SMILE},
+      {"CRDelimiterOnlyEndsRecords", "\r", u"a\rb,c\r\"d\re\"", u"a\rb,c\rd<br>e"},
+      {"QuoteDelimiterTurnsQuotingOff", "\"", u"a\"b\r\"c", u"a\tb\r\tc"},
+      {"TabDelimiter", "\t", u"a\tb\r\"c\td\"", u"a\tb\rc<tb>d"},
+      {"LineFeedDelimiter", "\n", u"a\nb\rc", u"a\tb\rc"},
       {"EmptyDelimiterChangesNothing", "", u"a,\"b\"", u"a,\"b\""},
   };
   for (const auto& c : cases) {
     WideString text = W(c.text);
     UnicodeImportHandling(text, PMString(c.delimiter));
     EXPECT_EQ(U(text), c.want) << c.name;
+    // The plain character-by-character rule gives the same, whole or fed a unit at a time.
+    if (*c.delimiter == '\0') continue;
+    for (const std::size_t piece : {c.text.size() + 1, std::size_t{1}}) {
+      DelimitedImporter reference(PMString(c.delimiter).GetChar(0), DelimitedImporter::Scan::kEachCharacter);
+      std::u16string out;
+      for (std::size_t at = 0; at < c.text.size(); at += piece) reference.Feed(c.text.substr(at, piece), out);
+      EXPECT_EQ(out, c.want) << c.name << " in pieces of " << piece;
+    }
   }
 }
 

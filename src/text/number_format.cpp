@@ -35,14 +35,17 @@ struct DecimalText {
   std::string integer, fraction;
 };
 
-std::optional<DecimalText> ReadValue(Units value) {
+void StripInto(Units text, char16_t decimal, std::string& out);
+
+std::optional<DecimalText> ReadValue(Units value, char16_t decimal) {
   DecimalText d;
   for (char16_t c : value) {
     if (IsDigit(c)) break;
     d.negative = d.negative || c == '-';
   }
   // Only the leading number counts, the part GetAsDouble would read.
-  const std::string text = StripUserDecimal(WideString::FromUTF16(value)).GrabCString();
+  std::string text;
+  StripInto(value, decimal, text);
   std::size_t i = 0;
   while (i < text.size() && IsDigit(text[i])) d.integer += text[i++];
   if (i < text.size() && text[i] == '.') {
@@ -270,7 +273,9 @@ WideString FormatCalcNumber(double value) {
   return WideString(std::move(text));
 }
 
-void CreateFormatString(WideString& text) {
+void CreateFormatString(WideString& text) { CreateFormatString(text, UserDecimal()); }
+
+void CreateFormatString(WideString& text, char16_t decimal) {
   const Units units = text.Units();
   // Quotes are recognised with typographic ones made straight; the literals
   // of the pattern keep the characters as typed.
@@ -281,10 +286,10 @@ void CreateFormatString(WideString& text) {
   const std::size_t split = inner.find(u"','");
   if (split == Units::npos || inner.find(u"','", split + 3) != Units::npos) return;
 
-  const auto value = ReadValue(units.substr(1, split));
+  const auto value = ReadValue(units.substr(1, split), decimal);
   const auto pattern = ReadPattern(units.substr(split + 4, inner.size() - split - 3));
   if (!value || !pattern) return;
-  text = WideString::FromUTF16(Format(*value, *pattern, UserDecimal()));
+  text = WideString::FromUTF16(Format(*value, *pattern, decimal));
 }
 
 }  // namespace talp

@@ -2,9 +2,9 @@
 // values), printing "Calc" results, and "Exfm" number format patterns.
 //
 // The user's decimal separator is the host setting "localizedDecimal" ("." or
-// ","; any other setting counts as "."). These functions read it on every
-// call and keep no state, so they may run on several threads at once while
-// the host services stay installed.
+// ","; any other setting counts as "."). Functions that take no separator
+// read it from the host, so they belong on an operation's own thread; those
+// that take one keep no state and may run on any thread.
 #pragma once
 
 #include <string>
@@ -52,5 +52,7 @@ void AppendCalcNumber(double value, std::u16string& out);
 // without digits, or a pattern that is not a number format (empty, without
 // placeholders, or with anything else between them) is left unchanged.
 void CreateFormatString(WideString& text);
+// The same for a host whose decimal separator is decimal.
+void CreateFormatString(WideString& text, char16_t decimal);
 
 }  // namespace talp

@@ -4,6 +4,8 @@
 #include <exception>
 #include <system_error>
 
+#include "text/number_format.h"
+
 namespace talp {
 
 // Records read together and restyled together by one worker.
@@ -41,11 +43,14 @@ void Restyle(WordStyling& styler, const WideString& header, std::vector<RestyleP
 }  // namespace
 
 RestylePipeline::RestylePipeline(const WideString& styling, unsigned threads, std::size_t batchSize)
-    : batchSize_(std::max<std::size_t>(batchSize, 1)), localStyler_(std::make_unique<WordStyling>(styling)) {
+    : batchSize_(std::max<std::size_t>(batchSize, 1)),
+      // The host's setting is read here, on the caller's thread: workers call no host service.
+      decimal_(UserDecimalSeparator()),
+      localStyler_(std::make_unique<WordStyling>(styling, decimal_)) {
   if (threads == 0) threads = std::thread::hardware_concurrency();
   threads = localStyler_->RunsScripts() ? 0 : std::min(threads, kMaxThreads);
   if (threads > 1) {
-    for (unsigned i = 0; i < threads; ++i) workerStylers_.push_back(std::make_unique<WordStyling>(styling));
+    for (unsigned i = 0; i < threads; ++i) workerStylers_.push_back(std::make_unique<WordStyling>(styling, decimal_));
     for (unsigned i = 0; i < threads; ++i) {
       try {
         workers_.emplace_back(&RestylePipeline::Work, this, std::ref(*workerStylers_[i]));

@@ -62,6 +62,7 @@ class RestylePipeline {
   void Work(WordStyling& styler);
 
   std::size_t batchSize_;
+  char16_t decimal_;
   std::unique_ptr<WordStyling> localStyler_;  // styles on the caller's thread when there are no workers
   std::vector<std::unique_ptr<WordStyling>> workerStylers_;
   std::vector<std::unique_ptr<Batch>> batches_;  // in turn

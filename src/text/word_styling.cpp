@@ -186,7 +186,7 @@ void ComputeValue(const WordStyling::Process& p, std::u16string_view filled, cha
       if (p.kind == Type::kExif) {
         CreateIfString(inner);
       } else {
-        CreateFormatString(inner);
+        CreateFormatString(inner, decimal);
       }
       out.append(inner.Units());
       return;
@@ -242,7 +242,10 @@ void ComputeValue(const WordStyling::Process& p, std::u16string_view filled, cha
 
 }  // namespace
 
-WordStyling::WordStyling(const WideString& styling) : document_(isXMLFile(styling) == 1) {
+WordStyling::WordStyling(const WideString& styling) : WordStyling(styling, UserDecimalSeparator()) {}
+
+WordStyling::WordStyling(const WideString& styling, char16_t decimal)
+    : document_(isXMLFile(styling) == 1), decimal_(decimal) {
   if (!document_) {
     table_ = styling;
     return;
@@ -287,7 +290,6 @@ void WordStyling::Bind(const WideString& header) {
   infos_.clear();
   for (const Process& process : processes_) infos_.emplace_back(process.info.Units(), header.Units());
   boundHeader_ = header;
-  decimal_ = UserDecimalSeparator();
   memos_.assign(processes_.size(), {});
   bound_ = true;
 }

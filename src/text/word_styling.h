@@ -27,10 +27,13 @@ void AppendHeaderFromWordStyling(const WideString& styling, WideString& header);
 void HandleWordStyling(const WideString& styling, const WideString& header, WideString& record);
 
 // The same for many records: the styling document is read once, and its
-// placeholders are resolved once per header. Not thread-safe.
+// placeholders are resolved once per header. Not thread-safe; an instance
+// made on an operation's thread (where the host's decimal separator is read)
+// may be used on another.
 class WordStyling {
  public:
   explicit WordStyling(const WideString& styling);
+  WordStyling(const WideString& styling, char16_t decimal);
   ~WordStyling();
   WordStyling(const WordStyling&) = delete;
   WordStyling& operator=(const WordStyling&) = delete;
@@ -75,7 +78,7 @@ class WordStyling {
   WideString boundHeader_;
   std::vector<RecordTemplate> infos_;  // each process's information, bound to boundHeader_
   bool bound_ = false;
-  char16_t decimal_ = u'.';  // the host's decimal separator, read when binding
+  char16_t decimal_;  // the host's decimal separator
   // Reused from record to record.
   std::vector<std::u16string_view> fields_;
   std::vector<std::size_t> offsets_;  // of the fields, while the record moves

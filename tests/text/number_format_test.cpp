@@ -6,12 +6,16 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <mutex>
 #include <random>
+#include <set>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include "test_host.h"
+#include "text/restyle_pipeline.h"
 
 namespace talp {
 namespace {
@@ -135,6 +139,43 @@ TEST(CreateFormatString, LeavesAloneWhatItCannotRead) {
     CreateFormatString(changed);
     EXPECT_EQ(std::u16string(changed.Units()), text);
   }
+}
+
+// The restyling workers call no host service: the separator is read on the
+// caller's thread, and still governs the numbers of every record.
+TEST(UserDecimal, IsReadOnTheCallersThreadOnly) {
+  class ThreadRecordingHost : public test::TestHost {
+   public:
+    PMString LocalizedDecimal() const override {
+      const std::lock_guard lock(mutex_);
+      threads.insert(std::this_thread::get_id());
+      return ",";
+    }
+    mutable std::set<std::thread::id> threads;
+
+   private:
+    mutable std::mutex mutex_;
+  } host;
+  const WideString styling(
+      "<?xml version=\"1.0\"?><Styling>"
+      "<Process><OutputField>twice</OutputField><ProcessType>Calc</ProcessType><ProcessInfo>[p]*2</ProcessInfo>"
+      "</Process><Process><OutputField>shown</OutputField><ProcessType>Exfm</ProcessType>"
+      "<ProcessInfo><EXIF>'[p]','0.00'</EXIF></ProcessInfo></Process></Styling>");
+  RestylePipeline pipeline(styling, 2, 4);
+  int read = 0, assembled = 0;
+  pipeline.Run(
+      WideString("p"),
+      [&](std::u16string& record) {
+        if (read == 64) return false;
+        record = u"1,5\t";
+        return ++read > 0;
+      },
+      [&](const RestylePipeline::Record& record) {
+        ++assembled;
+        EXPECT_EQ(record.text, u"1,5\t3\t1,50\t");
+      });
+  EXPECT_EQ(assembled, 64);
+  EXPECT_EQ(host.threads, std::set<std::thread::id>{std::this_thread::get_id()});
 }
 
 }  // namespace

@@ -44,7 +44,7 @@ MySqlSession::MySqlSession() : lock_(OperationMutex()) {
   (void)libraryReady;
 }
 
-MySqlSession::~MySqlSession() = default;
+MySqlSession::~MySqlSession() { pConnection = nullptr; }
 
 bool MySqlSession::Init() {
   MYSQL* handle = mysql_init(nullptr);
@@ -120,12 +120,16 @@ std::string MySqlSession::ErrorText() const {
 }
 
 void MySqlSession::Close() {
-  if (!handles_.empty()) handles_.back().reset();
+  if (handles_.empty() || !handles_.back()) return;
+  closedAddress_ = reinterpret_cast<std::uintptr_t>(handles_.back().get());
+  handles_.back().reset();
+  pConnection = nullptr;
 }
 
 bool MySqlSession::FreshHandleDiffersFromCurrent() {
   const Handle fresh(mysql_init(nullptr));
-  return fresh.get() != pConnection;
+  const std::uintptr_t current = pConnection ? reinterpret_cast<std::uintptr_t>(pConnection) : closedAddress_;
+  return reinterpret_cast<std::uintptr_t>(fresh.get()) != current;
 }
 
 std::string FieldNamesList(MYSQL_RES* result) {

@@ -5,6 +5,7 @@
 
 #include <mysql.h>
 
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -16,9 +17,9 @@
 
 namespace talp {
 
-// The handle of the MySQL operation that runs now (or ran last). Shared by
-// every MySQL operation; MySqlSession keeps two operations from running at
-// once.
+// The open handle of the MySQL operation that runs now; null once it is
+// closed, so that it never points at a freed handle. Shared by every MySQL
+// operation; MySqlSession keeps two operations from running at once.
 extern MYSQL* pConnection;
 
 namespace sql {
@@ -70,7 +71,8 @@ class MySqlSession {
   // Closes the current handle; closing it again does nothing.
   void Close();
   // Initialises a handle that is released at once; its address tells whether
-  // the allocator handed out the current handle's memory again.
+  // the allocator handed out the memory of the current handle, or of the one
+  // closed last, again.
   bool FreshHandleDiffersFromCurrent();
 
  private:
@@ -82,6 +84,7 @@ class MySqlSession {
 
   std::unique_lock<std::recursive_mutex> lock_;
   std::vector<Handle> handles_;  // the current one is last; null once closed
+  std::uintptr_t closedAddress_ = 0;  // of the handle closed last, compared as a number only
   std::string refusal_;          // the error of a command refused before the library saw it
 };
 

@@ -6,8 +6,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <random>
 #include <string>
 
+#include "host/paths.h"
 #include "host/unique_fd.h"
 #include "talp/host_services.h"
 
@@ -18,7 +20,7 @@ class PosixReadStream : public FileReadStream {
  public:
   explicit PosixReadStream(UniqueFd fd) : fd_(std::move(fd)) {}
 
-  bool IsGood() const override { return fd_.IsValid(); }
+  bool IsGood() const override { return fd_.IsValid() && !failed_; }
 
   std::int64_t Size() const override {
     struct stat info {};
@@ -33,6 +35,7 @@ class PosixReadStream : public FileReadStream {
     while (total < n) {
       const ssize_t got = ::read(fd_.Get(), bytes + total, n - total);
       if (got < 0 && errno == EINTR) continue;
+      failed_ = failed_ || got < 0;
       if (got <= 0) break;
       total += static_cast<std::size_t>(got);
     }
@@ -41,18 +44,8 @@ class PosixReadStream : public FileReadStream {
 
  private:
   UniqueFd fd_;
+  bool failed_ = false;
 };
-
-std::string FolderOf(const std::string& path) {
-  const auto slash = path.rfind('/');
-  if (slash == std::string::npos) return ".";
-  return slash == 0 ? "/" : path.substr(0, slash);
-}
-
-std::string NameOf(const std::string& path) {
-  const auto slash = path.rfind('/');
-  return slash == std::string::npos ? path : path.substr(slash + 1);
-}
 
 std::string CodeText(std::uint32_t code) {
   return {static_cast<char>(code >> 24), static_cast<char>(code >> 16), static_cast<char>(code >> 8),
@@ -102,15 +95,11 @@ class AtomicWriteStream : public FileWriteStream {
   }
 
  private:
+  // A new file keeps the mode the kernel gave the temporary file, the
+  // process's umask applied to 0666.
   void KeepPermissions() {
     struct stat info {};
-    if (::stat(target_.c_str(), &info) == 0) {
-      ::fchmod(fd_.Get(), info.st_mode & 07777);
-    } else {
-      const mode_t mask = ::umask(0);
-      ::umask(mask);
-      ::fchmod(fd_.Get(), 0666 & ~mask);
-    }
+    if (::stat(target_.c_str(), &info) == 0) ::fchmod(fd_.Get(), info.st_mode & 07777);
   }
 
   std::string target_;
@@ -136,10 +125,26 @@ std::unique_ptr<FileWriteStream> PlatformHostServices::OpenFileWrite(const PMStr
                                                                      std::uint32_t creator) {
   const std::string target = path.GrabCString();
   if (target.empty()) return nullptr;
-  std::string temporary = FolderOf(target) + "/." + NameOf(target) + ".talp-XXXXXX";
-  UniqueFd fd(::mkostemp(temporary.data(), O_CLOEXEC));
-  if (!fd.IsValid()) return nullptr;
-  return std::make_unique<AtomicWriteStream>(target, std::move(temporary), std::move(fd), fileType, creator);
+  // Created with mode 0666 for the kernel to apply the umask: reading the
+  // umask means setting it, which would change it for every thread at once.
+  static constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+  thread_local std::mt19937_64 random{std::random_device{}()};
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    std::string suffix = ".talp-";
+    for (int i = 0; i < 8; ++i) suffix += kLetters[random() % (sizeof kLetters - 1)];
+    std::string temporary = HiddenSibling(target, suffix);
+    UniqueFd fd(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (fd.IsValid()) {
+      return std::make_unique<AtomicWriteStream>(target, std::move(temporary), std::move(fd), fileType, creator);
+    }
+    if (errno != EEXIST) return nullptr;
+  }
+  return nullptr;
+}
+
+bool PlatformHostServices::FileExists(const PMString& path) {
+  struct stat info {};
+  return ::lstat(path.GrabCString().c_str(), &info) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
 }  // namespace talp::host

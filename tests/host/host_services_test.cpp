@@ -2,12 +2,24 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
+#include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <string>
 
 #include "temp_folder.h"
 #include "test_host.h"
+
+// Every umask call of the process passes here, so a test can tell that
+// writing a file never changes the umask, which is shared by all threads.
+std::atomic<int> umaskCalls{0};
+extern "C" mode_t umask(mode_t mask) noexcept {
+  ++umaskCalls;
+  return static_cast<mode_t>(::syscall(SYS_umask, mask));
+}
 
 namespace talp::host {
 namespace {
@@ -43,6 +55,39 @@ TEST(PlatformFiles, OnlyCommitReplacesTheFileAndReadsBackWhole) {
   EXPECT_EQ(ReadWholeFile(PMString((folder / "missing").string())), std::nullopt);
   EXPECT_EQ(ReadWholeFile(PMString((folder / "").string())), std::nullopt);  // a folder is no file
   EXPECT_EQ(host.OpenFileWrite(PMString((folder / "no/such/dir/f").string()), 0, 0), nullptr);
+}
+
+TEST(PlatformFiles, NewFilesTakeTheUmaskWithoutTouchingIt) {
+  TempFolder folder;
+  const auto previous = static_cast<mode_t>(::syscall(SYS_umask, 027));
+  umaskCalls = 0;
+  PlatformHostServices host;
+  auto stream = host.OpenFileWrite(PMString((folder / "new.txt").string()), 0, 0);
+  ASSERT_NE(stream, nullptr);
+  EXPECT_TRUE(stream->Write("x", 1) && stream->Commit());
+  ::syscall(SYS_umask, previous);
+  EXPECT_EQ(umaskCalls, 0);
+  EXPECT_EQ(fs::status(folder / "new.txt").permissions(), fs::perms(0640));
+}
+
+// The lock lives in a hidden file beside the data file, which a replacement
+// of the data file leaves alone; a second holder waits, then gives up.
+TEST(PlatformFiles, UpdateLockExcludesUntilReleased) {
+  using std::chrono::milliseconds;
+  TempFolder folder;
+  PlatformHostServices host;
+  const PMString data = folder.Path("data.txt");
+  FileLockAttempt first = host.LockFileForUpdate(data, milliseconds(0));
+  ASSERT_NE(first.lock, nullptr);
+  EXPECT_TRUE(fs::exists(folder / ".data.txt.talp-lock"));
+  const FileLockAttempt second = host.LockFileForUpdate(data, milliseconds(30));
+  EXPECT_EQ(second.lock, nullptr);
+  EXPECT_TRUE(second.timedOut);
+  first.lock.reset();
+  EXPECT_NE(host.LockFileForUpdate(data, milliseconds(0)).lock, nullptr);
+  const FileLockAttempt nowhere = host.LockFileForUpdate(folder.Path("no/such/data.txt"), milliseconds(0));
+  EXPECT_FALSE(nowhere.lock || nowhere.timedOut);
+  EXPECT_EQ(nowhere.failure, "No such file or directory");
 }
 
 TEST(PlatformAlert, OneLinePerAlertOnStandardError) {

@@ -6,8 +6,16 @@
 // for this platform (alerts on standard error, real exit, POSIX files, no
 // script runner). Install another with ScopedHostServices; the services
 // object itself must outlive its installation. Installing is not thread-safe.
+//
+// Threads: the system calls the services only from a thread that runs a
+// provider operation, never from the worker threads it starts itself (host
+// settings are read once on the operation's thread and passed to them).
+// File operations may run on several threads at once, so the file services,
+// the settings, alerts, remarks and Progress must allow concurrent calls. The
+// MySQL and ODBC operations run one at a time.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -24,6 +32,8 @@ namespace talp::host {
 class FileReadStream {
  public:
   virtual ~FileReadStream() = default;
+  // False when the file could not be read, also once a read has failed part
+  // way (Read then gave fewer bytes than the file holds).
   virtual bool IsGood() const = 0;
   virtual std::int64_t Size() const = 0;  // -1 when unknown
   // Moves to offset from the start; false when that is not possible.
@@ -42,6 +52,30 @@ class FileWriteStream {
   virtual bool Write(const void* data, std::size_t n) = 0;
   // Flushes and puts the file in place; false when the target was not replaced.
   virtual bool Commit() = 0;
+};
+
+// What text files without a byte-order mark hold: the host setting for what
+// "ANSI" means. Windows-1252 always, or UTF-8 when every byte of the file is
+// valid UTF-8 (and Windows-1252 otherwise).
+enum class AnsiText { kWindows1252, kUTF8WhereValid };
+
+// A remark on a data file that is no failure: the operation goes on.
+enum class FileRemark {
+  // Read as Windows-1252 (the file has no mark), though all of it is valid
+  // UTF-8 with characters beyond ASCII: it was probably written as UTF-8.
+  kValidUTF8ReadAsWindows1252,
+};
+
+// The exclusive update lock of one data file, released when destroyed.
+class FileUpdateLock {
+ public:
+  virtual ~FileUpdateLock() = default;
+};
+
+struct FileLockAttempt {
+  std::unique_ptr<FileUpdateLock> lock;  // null when the lock was not had
+  bool timedOut = false;                 // then: someone else held it all the time
+  std::string failure;                   // otherwise: why not, for the user
 };
 
 // Runs one kind of script file for the host.
@@ -86,6 +120,12 @@ class HostServices {
   // creator codes where the file system keeps them; null when impossible.
   virtual std::unique_ptr<FileWriteStream> OpenFileWrite(const PMString& path, std::uint32_t fileType,
                                                          std::uint32_t creator) = 0;
+  // Whether anything is at path, readable or not; true when that cannot be told.
+  virtual bool FileExists(const PMString& path) = 0;
+  // Takes the exclusive lock that updates of the data file at path hold while
+  // they read, change and replace it, against other threads and processes;
+  // waits up to wait for it. Readers take no lock.
+  virtual FileLockAttempt LockFileForUpdate(const PMString& path, std::chrono::milliseconds wait) = 0;
 
   // A runner able to run scriptPath, or null when the host has none.
   virtual std::unique_ptr<IScriptRunner> FindScriptRunner(const PMString& scriptPath) = 0;
@@ -93,6 +133,13 @@ class HostServices {
 
   // The host setting "localizedDecimal": the user's decimal separator.
   virtual PMString LocalizedDecimal() const = 0;
+  // What "ANSI" means for text files without a mark; Windows-1252 by default.
+  virtual AnsiText Ansi() const { return AnsiText::kWindows1252; }
+  // How long a field update waits for another update of the same file; 30 s by default.
+  virtual std::chrono::milliseconds FileLockWait() const { return std::chrono::seconds(30); }
+  // Tells the user something about a data file without interrupting the
+  // operation; the default says nothing.
+  virtual void RemarkOnFile(const PMString& path, FileRemark remark);
 
   // How far a long piece of work has come: done of total units of what (such
   // as "records"). Called often, so it must be cheap; hosts may show it. The
@@ -101,7 +148,8 @@ class HostServices {
 };
 
 // The services of this platform: alerts as "alert: MESSAGE" lines on standard
-// error, a real exit, POSIX files, no script runner, "." as decimal separator.
+// error, a real exit, POSIX files (update locks on a lock file beside the data
+// file), no script runner, "." as decimal separator.
 class PlatformHostServices : public HostServices {
  public:
   void InformationAlert(const PMString& message) override;
@@ -109,6 +157,8 @@ class PlatformHostServices : public HostServices {
   std::unique_ptr<FileReadStream> OpenFileRead(const PMString& path) override;
   std::unique_ptr<FileWriteStream> OpenFileWrite(const PMString& path, std::uint32_t fileType,
                                                  std::uint32_t creator) override;
+  bool FileExists(const PMString& path) override;
+  FileLockAttempt LockFileForUpdate(const PMString& path, std::chrono::milliseconds wait) override;
   std::unique_ptr<IScriptRunner> FindScriptRunner(const PMString& scriptPath) override;
   ScriptArgumentStore& ScriptArguments() override { return arguments_; }
   PMString LocalizedDecimal() const override { return "."; }

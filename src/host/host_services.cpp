@@ -19,6 +19,8 @@ void ScriptArgumentStore::Restore() {
 
 void HostServices::Progress(const char*, std::uint64_t, std::uint64_t) {}
 
+void HostServices::RemarkOnFile(const PMString&, FileRemark) {}
+
 void PlatformHostServices::InformationAlert(const PMString& message) {
   // One alert is one line: line breaks inside the message become blanks.
   std::string line = message.GrabCString();

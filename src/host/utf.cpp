@@ -1,5 +1,8 @@
 #include "host/utf.h"
 
+#include <cstdint>
+#include <cstring>
+
 #include "host/unit_search.h"
 
 namespace talp::utf {
@@ -111,6 +114,35 @@ void DecodeUTF8(std::string_view bytes, std::u16string& out) {
     i += static_cast<std::size_t>(length);
   }
   out.resize(start + static_cast<std::size_t>(dest - first));
+}
+
+void UTF8Validator::Feed(std::string_view bytes) {
+  const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
+  const std::size_t n = bytes.size();
+  std::size_t i = 0;
+  while (valid_ && i < n) {
+    if (needed_ == 0) {
+      // Runs of ASCII, eight bytes at a time.
+      for (std::uint64_t word; i + 8 <= n; i += 8) {
+        std::memcpy(&word, in + i, 8);
+        if ((word & 0x8080808080808080u) != 0) break;
+      }
+      if (i >= n) break;
+      const unsigned char lead = in[i++];
+      if (lead < 0x80) continue;
+      const int length = SequenceLength(lead);
+      valid_ = length > 0;
+      beyondAscii_ = true;
+      needed_ = valid_ ? length - 1 : 0;
+      lead_ = lead;
+      secondNext_ = true;
+      continue;
+    }
+    const unsigned char next = in[i++];
+    valid_ = secondNext_ ? SecondByteFits(lead_, next) : (next & 0xC0) == 0x80;
+    secondNext_ = false;
+    --needed_;
+  }
 }
 
 std::size_t IncompleteUTF8Tail(std::string_view bytes) {

@@ -69,6 +69,26 @@ void DecodeUTF8(std::string_view bytes, std::u16string& out);
 // with what follows gives the same text as decoding everything at once.
 std::size_t IncompleteUTF8Tail(std::string_view bytes);
 
+// Tells whether bytes given in pieces, cut anywhere, are valid UTF-8
+// throughout (no overlong forms, surrogates or values above U+10FFFF), and
+// whether they hold a character beyond ASCII.
+class UTF8Validator {
+ public:
+  void Feed(std::string_view bytes);
+  // No invalid byte so far; the text may still end inside a character.
+  bool ValidSoFar() const { return valid_; }
+  // Valid, and the pieces given end on a character boundary.
+  bool Valid() const { return valid_ && needed_ == 0; }
+  bool SawBeyondAscii() const { return beyondAscii_; }
+
+ private:
+  bool valid_ = true;
+  bool beyondAscii_ = false;
+  int needed_ = 0;            // continuation bytes still to come
+  unsigned char lead_ = 0;    // of the character being read
+  bool secondNext_ = false;   // the next byte is the second of that character
+};
+
 // Encodes UTF-16 as UTF-8, appending to out.
 void EncodeUTF8(std::u16string_view units, std::string& out);
 // The same into dest, which must hold kMaxUTF8PerUnit bytes for each unit;

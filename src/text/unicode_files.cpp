@@ -65,13 +65,32 @@ std::string EncodeUTF16Units(const WideString& content) {
   return bytes;
 }
 
+// The mark, then every unit as it is: pairs stay pairs.
+std::string EncodeUTF16WithMark(const WideString& content, bool bigEndian) {
+  const std::u16string_view units = content.Units();
+  std::string bytes;
+  bytes.reserve(2 + units.size() * 2);
+  const auto append = [&](char16_t unit) {
+    const auto high = static_cast<char>(unit >> 8), low = static_cast<char>(unit & 0xFF);
+    bytes.push_back(bigEndian ? high : low);
+    bytes.push_back(bigEndian ? low : high);
+  };
+  append(0xFEFF);
+  for (const char16_t unit : units) append(unit);
+  return bytes;
+}
+
+std::string EncodeUTF8(const WideString& content, bool withMark) {
+  std::string bytes(withMark ? kUTF8Mark : "");
+  bytes.reserve(bytes.size() + content.NumUTF16TextChars() + content.NumUTF16TextChars() / 4);
+  utf::EncodeUTF8(content.Units(), bytes);
+  return bytes;
+}
+
 std::string Encode(const WideString& content, Content how) {
   switch (how) {
-    case Content::kUTF8WithMark: {
-      std::string bytes(kUTF8Mark);
-      utf::EncodeUTF8(content.Units(), bytes);
-      return bytes;
-    }
+    case Content::kUTF8WithMark:
+      return EncodeUTF8(content, true);
     case Content::kOneByte:
       return EncodeWindows1252(content);
     case Content::kUTF16:
@@ -80,6 +99,43 @@ std::string Encode(const WideString& content, Content how) {
       break;
   }
   return {};
+}
+
+std::string Encode(const WideString& content, TextEncoding encoding) {
+  switch (encoding) {
+    case TextEncoding::kUTF16LittleEndian:
+    case TextEncoding::kUTF16BigEndian:
+      return EncodeUTF16WithMark(content, encoding == TextEncoding::kUTF16BigEndian);
+    case TextEncoding::kUTF8WithMark:
+    case TextEncoding::kUTF8:
+      return EncodeUTF8(content, encoding == TextEncoding::kUTF8WithMark);
+    case TextEncoding::kWindows1252:
+      break;
+  }
+  return EncodeWindows1252(content);
+}
+
+// Writes what encode gives to path, typed code. A failure after the file was
+// opened keeps the old file and tells the user.
+template <typename Encoder>
+bool WriteEncoded(const PMString& path, std::uint32_t code, const Encoder& encode) {
+  auto stream = host::Host().OpenFileWrite(path, code, code);
+  if (!stream) return false;
+  bool saved = false;
+  try {
+    const std::string bytes = encode();
+    saved = stream->Write(bytes.data(), bytes.size()) && stream->Commit();
+  } catch (const std::bad_alloc&) {
+    // Reported below like a full disk: the old file stays.
+  }
+  stream.reset();  // the half-written replacement is gone before the user is told
+  if (!saved) {
+    PMString message("Could not save the file ");
+    message.Append(path);
+    message.Append(U'.');
+    CAlert::InformationAlert(message);
+  }
+  return saved;
 }
 
 }  // namespace
@@ -102,6 +158,7 @@ void ReadMixedFile(const PMString& path, WideString& out, const PMString&) {
     units.reserve(static_cast<std::size_t>(reader.FileSize()));
     while (reader.Read(units)) {
     }
+    if (reader.ReadFailed()) return;  // a part of a file is no file
     out = WideString(std::move(units));
   } catch (const std::bad_alloc&) {
     // A file too large for memory cannot be read, and like any unreadable
@@ -111,23 +168,12 @@ void ReadMixedFile(const PMString& path, WideString& out, const PMString&) {
 
 bool MorvelSaveUnicodeFile(const PMString& path, const WideString& content, const PMString& kind) {
   const Kind& chosen = KindNamed(kind);
-  auto stream = host::Host().OpenFileWrite(path, chosen.code, chosen.code);
-  if (!stream) return false;
-  bool saved = false;
-  try {
-    const std::string bytes = Encode(content, chosen.content);
-    saved = stream->Write(bytes.data(), bytes.size()) && stream->Commit();
-  } catch (const std::bad_alloc&) {
-    // Reported below like a full disk: the old file stays.
-  }
-  stream.reset();  // the half-written replacement is gone before the user is told
-  if (!saved) {
-    PMString message("Could not save the file ");
-    message.Append(path);
-    message.Append(U'.');
-    CAlert::InformationAlert(message);
-  }
-  return saved;
+  return WriteEncoded(path, chosen.code, [&] { return Encode(content, chosen.content); });
+}
+
+bool SaveTextFile(const PMString& path, const WideString& content, TextEncoding encoding) {
+  const std::uint32_t code = encoding == TextEncoding::kUTF8WithMark ? FourCharCode("xml1") : FourCharCode("TEXT");
+  return WriteEncoded(path, code, [&] { return Encode(content, encoding); });
 }
 
 std::uint32_t FileTypeForKind(const PMString& kind) { return KindNamed(kind).code; }

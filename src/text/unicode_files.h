@@ -17,6 +17,17 @@
 
 namespace talp {
 
+// How a text file stores its characters. TextFileReader decides it by the
+// byte-order mark, and for a file without one by the host's "ANSI" setting;
+// SaveTextFile writes it back the same way.
+enum class TextEncoding {
+  kUTF16LittleEndian,  // mark FF FE
+  kUTF16BigEndian,     // mark FE FF
+  kUTF8WithMark,       // mark EF BB BF
+  kUTF8,               // no mark, read as UTF-8 because every byte was valid UTF-8
+  kWindows1252,        // no mark
+};
+
 // Sets encoding from the first three bytes of the file: "UTF-8" after the
 // mark EF BB BF, "ANSI" in every other case (UTF-16 marks included, which only
 // ReadMixedFile recognises). Leaves encoding untouched when the file cannot
@@ -43,6 +54,12 @@ void ReadMixedFile(const PMString& path, WideString& out, const PMString& unused
 // file as it was and shows the alert "Could not save the file PATH.".
 // Returns whether the file was written.
 bool MorvelSaveUnicodeFile(const PMString& path, const WideString& content, const PMString& kind);
+
+// Writes content to path in encoding, with the mark it has: UTF-16 with
+// surrogate pairs for characters beyond the Basic Multilingual Plane, UTF-8,
+// or Windows-1252 ("?" for what it cannot hold). Typed 'xml1' for UTF-8 with
+// mark, 'TEXT' otherwise. Fails like MorvelSaveUnicodeFile.
+bool SaveTextFile(const PMString& path, const WideString& content, TextEncoding encoding);
 
 // The four-character file type (and creator) code MorvelSaveUnicodeFile gives kind.
 std::uint32_t FileTypeForKind(const PMString& kind);

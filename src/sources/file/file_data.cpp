@@ -66,17 +66,21 @@ WideString PrepareForXML(const WideString& content) {
   return WideString(std::move(prepared));
 }
 
-// The first line of the file's text as ReadMixedFile reads it, without
-// reading further than that line.
-WideString FirstLineOfFile(const PMString& path) {
-  TextFileReader reader;
-  if (!reader.Open(path)) return {};
-  std::u16string text;
-  const std::size_t firstCR = reader.ReadThroughFirstCR(text);
-  return WideString::FromUTF16(std::u16string_view(text).substr(0, firstCR));
-}
-
 }  // namespace
+
+StoredForm StoredFormOf(const PMString& path) {
+  StoredForm stored;
+  TextFileReader reader;
+  const bool open = reader.Open(path);
+  if (open || reader.OpenFailure() == TextFileReader::Failure::kTooShort) stored.encoding = reader.Encoding();
+  if (open) {
+    // Only the first line is read.
+    std::u16string text;
+    const std::size_t firstCR = reader.ReadThroughFirstCR(text);
+    stored.form = FormOfFirstLine(WideString::FromUTF16(std::u16string_view(text).substr(0, firstCR)));
+  }
+  return stored;
+}
 
 DataForm FormOfFirstLine(const WideString& firstLine) {
   DataForm form;
@@ -102,17 +106,21 @@ void GetFileData(const PMString& path, WideString& data) {
 }
 
 void SaveFileData(const PMString& path, WideString content) {
+  SaveFileData(path, std::move(content), StoredFormOf(path));
+}
+
+// A file is written back in the encoding it was read in: UTF-16 in its byte
+// order and UTF-8 with or without mark, as found; a file read as
+// Windows-1252 stays Windows-1252.
+bool SaveFileData(const PMString& path, WideString content, const StoredForm& stored) {
   const PMString quote("\"");
-  PMString encoding("UTF-8");
-  GetFileEncoding(path, encoding);
-  const DataForm form = FormOfFirstLine(FirstLineOfFile(path));
-  if (form.xml) {
+  if (stored.form.xml) {
     content = PrepareForXML(content);
     ExportXML(content);
-  } else if (form.delimiter != PMString("\t")) {
-    UnicodeExportHandling(content, form.delimiter, quote);
+  } else if (stored.form.delimiter != PMString("\t")) {
+    UnicodeExportHandling(content, stored.form.delimiter, quote);
   }
-  MorvelSaveUnicodeFile(path, content, encoding);
+  return SaveTextFile(path, content, stored.encoding);
 }
 
 void GetMergeDelimiter(const WideString& line, PMString& delimiter) {

@@ -8,6 +8,7 @@
 
 #include "talp/pm_string.h"
 #include "talp/wide_string.h"
+#include "text/unicode_files.h"
 
 namespace talp {
 
@@ -17,6 +18,14 @@ struct DataForm {
   PMString delimiter{"\t"};  // "\t", "," or ";"; for XML files not used
 };
 DataForm FormOfFirstLine(const WideString& firstLine);
+
+// How a data file is stored on disk; a new file is UTF-8 TAB text with mark.
+struct StoredForm {
+  TextEncoding encoding = TextEncoding::kUTF8WithMark;
+  DataForm form;
+};
+// The stored form of the file at path, read from it (its first line only).
+StoredForm StoredFormOf(const PMString& path);
 
 // Turns the text of an XML table, as read, into the normalised form: rows to
 // lines, stored markers to "<br>" and friends, entities decoded ("&amp;" last).
@@ -31,6 +40,9 @@ void GetFileData(const PMString& path, WideString& data);
 // file's delimiter, XML form and encoding as found on disk; a new file is
 // written as UTF-8 TAB text. The file is replaced atomically.
 void SaveFileData(const PMString& path, WideString content);
+// The same in the stored form given, as read before; false when nothing was
+// written (the user has been told).
+bool SaveFileData(const PMString& path, WideString content, const StoredForm& stored);
 
 // Sets delimiter to "\t", "," or ";" when that character is strictly the most
 // frequent of the three in line; leaves it as it was on a tie.

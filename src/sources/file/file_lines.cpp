@@ -18,21 +18,32 @@ FileLines::FileLines(const PMString& path) {
   }
   // The form is decided on the first line, as GetFileData decides it.
   const std::size_t firstCR = reader_.ReadThroughFirstCR(raw_);
-  const DataForm form = FormOfFirstLine(WideString::FromUTF16(std::u16string_view(raw_).substr(0, firstCR)));
-  if (form.xml) {
+  form_ = FormOfFirstLine(WideString::FromUTF16(std::u16string_view(raw_).substr(0, firstCR)));
+  if (form_.xml) {
     while (reader_.Read(raw_)) {
     }
     WideString table(std::move(raw_));
     NormaliseXMLTable(table);
     text_ = std::u16string(table.Units());
     inputEnded_ = true;
-  } else if (form.delimiter != PMString("\t")) {
-    importer_.emplace(form.delimiter.GetChar(0));
+  } else if (form_.delimiter != PMString("\t")) {
+    importer_.emplace(form_.delimiter.GetChar(0));
     importer_->Feed(raw_, text_);
   } else {
     text_ = std::move(raw_);
   }
   raw_.clear();
+}
+
+bool FileLines::ReadIncomplete() const {
+  return reader_.ReadFailed() || reader_.OpenFailure() == TextFileReader::Failure::kUnreadable;
+}
+
+StoredForm FileLines::Stored() const {
+  StoredForm stored;
+  if (readable_) stored.form = form_;
+  if (readable_ || reader_.OpenFailure() == TextFileReader::Failure::kTooShort) stored.encoding = reader_.Encoding();
+  return stored;
 }
 
 bool FileLines::Fill() {

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "sources/file/file_data.h"
 #include "talp/pm_string.h"
 #include "text/delimited.h"
 #include "text/text_file_reader.h"
@@ -22,6 +23,13 @@ class FileLines {
 
   // Whether the file could be read at all.
   bool Readable() const { return readable_; }
+  // Whether the file exists but could not be read whole (it could not be
+  // opened, or a read failed part way); a missing or too short file is no
+  // such failure.
+  bool ReadIncomplete() const;
+  // How the file is stored, for writing it back: a file too short to read
+  // counts as TAB text without mark, a missing one as a new file.
+  StoredForm Stored() const;
 
   // Sets line to the next line and returns true; false after the last. The
   // view is valid until the next call of Next or HasNext.
@@ -48,6 +56,7 @@ class FileLines {
   bool FinalPieceCounts(std::u16string_view rest) const;
 
   TextFileReader reader_;
+  DataForm form_;
   std::optional<DelimitedImporter> importer_;
   std::u16string raw_;   // a piece before conversion
   std::u16string text_;  // normalised text; what precedes offset_ was given out

@@ -5,11 +5,23 @@
 #include "sources/file/file_base.h"
 #include "sources/file/file_data.h"
 #include "sources/file/file_lines.h"
+#include "talp/host_services.h"
 #include "text/item_cursor.h"
 #include "text/search_replace.h"
 #include "text/text_handlers.h"
 
 namespace talp {
+namespace {
+
+void AlertNotUpdated(const PMString& path, const char* why) {
+  PMString message("Could not update the file ");
+  message.Append(path);
+  message.Append(": ");
+  message.Append(why);
+  CAlert::InformationAlert(message);
+}
+
+}  // namespace
 
 int updateBaseFieldWithInfoFile(const WideString& newValue, const PMString& updateField, const PMString& keyField,
                                 const PMString& keyValue, const PMString& path) {
@@ -17,6 +29,19 @@ int updateBaseFieldWithInfoFile(const WideString& newValue, const PMString& upda
   SearchReplaceUnicode(value, WideString("\t"), WideString("<tb>"));
   SearchReplaceUnicode(value, WideString("\r"), WideString("<br>"));
   SearchReplaceUnicode(value, WideString("\n"), WideString("<sr>"));
+
+  // Held from before the file is read until its replacement is in place, so
+  // that concurrent updates of one file never lose each other's values.
+  host::HostServices& host = host::Host();
+  const host::FileLockAttempt attempt = host.LockFileForUpdate(path, host.FileLockWait());
+  if (!attempt.lock) {
+    if (attempt.timedOut) {
+      AlertNotUpdated(path, "another update of it did not end in time.");
+    } else {
+      AlertNotUpdated(path, ("its lock file could not be opened (" + attempt.failure + ").").c_str());
+    }
+    return 0;
+  }
 
   FileLines lines(path);
   std::u16string_view record;
@@ -45,7 +70,11 @@ int updateBaseFieldWithInfoFile(const WideString& newValue, const PMString& upda
     }
     content.push_back(kCR);
   }
-  SaveFileData(path, WideString(std::move(content)));
+  if (lines.ReadIncomplete()) {
+    AlertNotUpdated(path, "it could not be read.");
+    return 0;
+  }
+  SaveFileData(path, WideString(std::move(content)), lines.Stored());
   return 0;
 }
 

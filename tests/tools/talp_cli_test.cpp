@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "output.h"
-#include "progress.h"
+#include "cli_host.h"
 #include "run.h"
 #include "temp_folder.h"
 
@@ -73,7 +73,7 @@ TalpRun Talp(std::vector<std::string> args, bool terminal = false, const char* e
   RecordingRemote remote;
   remote.status = status;
   std::ostringstream out, err;
-  const int exitStatus = RunTalp(remote, args, out, err, terminal, envPassword);
+  const int exitStatus = RunTalp(remote, args, out, err, terminal, {.password = envPassword});
   return {exitStatus, out.str(), err.str(), remote.calls};
 }
 
@@ -83,10 +83,11 @@ TEST(TalpOperations, CallTheProviderOperation) {
     std::vector<std::string> args;
     std::string call;
     const char* envPassword = nullptr;
+    std::string err = "";  // the File operations say when their data file cannot be opened
   } cases[] = {
       {"Databases", {"databases", "--host", "db", "--port", "3307"}, "databases db;3307"},
       {"Columns", {"columns", "--type", "File", "--file", "/d/a.txt", "--styling", "a\tb"},
-       "columns ;;;;;;;;;File;;/d/a.txt|a\tb"},
+       "columns ;;;;;;;;;File;;/d/a.txt|a\tb", nullptr, "talp: note: /d/a.txt: No such file or directory\n"},
       {"List", {"list", "--search", "nut", "--key", "id", "--sort", "name"}, "list ;;;;;;id;;;;;;;;;;;;;;name|nut|0"},
       {"Loop", {"loop", "--where=where name LIKE 'n%'", "-d", "x"}, "loop x|where name LIKE 'n%'"},
       {"Record", {"record", "42", "--styling", "s"}, "record |42|s"},
@@ -94,7 +95,8 @@ TEST(TalpOperations, CallTheProviderOperation) {
        "group ;;;;;;;;;;;;;cat;[name]||q"},
       {"Update",
        {"update", "bolt", "--field", "name", "--key-value", "7", "-d", "h;3306;u;pw;db;parts;id;;;File;dsn;/d/p.txt"},
-       "update bolt|name|7|h|3306|u|pw|db|parts|id|File|dsn|/d/p.txt"},
+       "update bolt|name|7|h|3306|u|pw|db|parts|id|File|dsn|/d/p.txt", nullptr,
+       "talp: note: /d/p.txt: No such file or directory\n"},
       {"Sql", {"sql", "DELETE FROM t", "--host", "h", "--user", "u", "--extra", "x"}, "sql DELETE FROM t|h|0|u|||x"},
       {"Upload",
        {"upload", "http://h/in", "--port", "8080", "--file", "/d/a.jpg", "--filepath-value", "v", "--name", "a.jpg"},
@@ -110,7 +112,7 @@ TEST(TalpOperations, CallTheProviderOperation) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     const TalpRun run = Talp(c.args, false, c.envPassword);
-    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(run.err, c.err);
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.calls, std::vector<std::string>{c.call});
   }

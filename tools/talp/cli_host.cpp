@@ -1,4 +1,4 @@
-#include "progress.h"
+#include "cli_host.h"
 
 namespace talp::cli {
 
@@ -11,12 +11,20 @@ std::string FormatProgress(const char* what, std::uint64_t done, std::uint64_t t
   return std::string(what) + " " + std::to_string(percent) + "%";
 }
 
-TerminalProgressHost::TerminalProgressHost(std::FILE* terminal)
-    : terminal_(terminal), start_(steady_clock::now()), lastDrawn_(start_) {}
+CliHost::CliHost(std::ostream& err, std::FILE* terminal, host::AnsiText ansi)
+    : err_(err), terminal_(terminal), ansi_(ansi), start_(steady_clock::now()), lastDrawn_(start_) {}
 
-TerminalProgressHost::~TerminalProgressHost() { Erase(); }
+CliHost::~CliHost() { Erase(); }
 
-void TerminalProgressHost::Progress(const char* what, std::uint64_t done, std::uint64_t total) {
+void CliHost::InformationAlert(const PMString& message) {
+  const std::lock_guard lock(mutex_);
+  Erase();
+  PlatformHostServices::InformationAlert(message);
+}
+
+void CliHost::Progress(const char* what, std::uint64_t done, std::uint64_t total) {
+  if (terminal_ == nullptr) return;
+  const std::lock_guard lock(mutex_);
   const auto now = steady_clock::now();
   if (now - start_ < milliseconds(1000) || now - lastDrawn_ < milliseconds(100)) return;
   lastDrawn_ = now;
@@ -25,12 +33,28 @@ void TerminalProgressHost::Progress(const char* what, std::uint64_t done, std::u
   shown_ = true;
 }
 
-void TerminalProgressHost::InformationAlert(const PMString& message) {
-  Erase();
-  PlatformHostServices::InformationAlert(message);
+void CliHost::RemarkOnFile(const PMString& path, host::FileRemark remark) {
+  switch (remark) {
+    case host::FileRemark::kValidUTF8ReadAsWindows1252: {
+      const std::string name = path.GrabCString();
+      {
+        const std::lock_guard lock(mutex_);
+        if (!remarked_.insert(name).second) return;
+      }
+      Note(name + " has no byte-order mark and was read as Windows-1252, but it is valid UTF-8;" +
+           " to read it as UTF-8, use --ansi utf-8 (or TALP_ANSI=utf-8)");
+      return;
+    }
+  }
 }
 
-void TerminalProgressHost::Erase() {
+void CliHost::Note(const std::string& text) {
+  const std::lock_guard lock(mutex_);
+  Erase();
+  err_ << "talp: note: " << text << '\n' << std::flush;
+}
+
+void CliHost::Erase() {
   if (!shown_) return;
   std::fprintf(terminal_, "\r\033[K");
   std::fflush(terminal_);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <string_view>
 
 #include "talp/host_services.h"
@@ -48,6 +49,14 @@ constexpr std::array<FieldOption, 15> kFieldOptions = {{
 constexpr std::array<std::string_view, 11> kOwnTextOptions = {
     "styling", "search", "where", "query", "field", "key-value", "extra", "filepath-value", "name", "header", "record"};
 
+// The "ANSI" setting named by text, whatever its case.
+std::optional<host::AnsiText> AnsiNamed(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+  if (text == "utf-8") return host::AnsiText::kUTF8WhereValid;
+  if (text == "windows-1252") return host::AnsiText::kWindows1252;
+  return std::nullopt;
+}
+
 std::vector<std::string> SplitFields(const std::string& descriptor) {
   std::vector<std::string> fields;
   std::string::size_type start = 0;
@@ -83,13 +92,15 @@ bool ResolveText(const std::string& option, std::string& value, std::string& err
 
 }  // namespace
 
-ParseResult ParseOptions(const std::vector<std::string>& args, const char* envPassword) {
+ParseResult ParseOptions(const std::vector<std::string>& args, const Environment& environment) {
   ParseResult parsed;
   Options& options = parsed.options;
   std::string& error = parsed.error;
   std::string rawDescriptor;
   std::map<int, std::string> fields;
-  if (envPassword != nullptr) fields[4] = envPassword;
+  if (environment.password != nullptr) fields[4] = environment.password;
+  std::optional<std::string> ansi;
+  if (environment.ansi != nullptr) ansi = environment.ansi;
 
   const auto addPositional = [&](const std::string& arg) {
     if (options.operation.empty()) options.operation = arg; else options.arguments.push_back(arg);
@@ -123,7 +134,8 @@ ParseResult ParseOptions(const std::vector<std::string>& args, const char* envPa
     const auto field = std::find_if(kFieldOptions.begin(), kFieldOptions.end(),
                                     [&](const FieldOption& f) { return f.name == name; });
     const bool isOwn = std::find(kOwnTextOptions.begin(), kOwnTextOptions.end(), name) != kOwnTextOptions.end();
-    if (name.empty() || (name != "descriptor" && field == kFieldOptions.end() && !isOwn)) {
+    const bool isSetting = name == "descriptor" || name == "ansi";
+    if (name.empty() || (!isSetting && field == kFieldOptions.end() && !isOwn)) {
       error = "unknown option '" + arg + "'";
       break;
     }
@@ -133,6 +145,11 @@ ParseResult ParseOptions(const std::vector<std::string>& args, const char* envPa
         break;
       }
       value = args[++i];
+    }
+    if (name == "ansi") {
+      ansi = *value;
+      if (!AnsiNamed(*ansi)) error = "--ansi takes utf-8 or windows-1252, not '" + *ansi + "'";
+      continue;
     }
     if (name != "port" && !ResolveText(name, *value, error)) break;
     if (name == "descriptor") {
@@ -148,6 +165,14 @@ ParseResult ParseOptions(const std::vector<std::string>& args, const char* envPa
     }
   }
   if (!error.empty()) return parsed;
+  if (ansi) {
+    const auto setting = AnsiNamed(*ansi);
+    if (!setting) {
+      error = "TALP_ANSI must be utf-8 or windows-1252, not '" + *ansi + "'";
+      return parsed;
+    }
+    options.ansi = *setting;
+  }
 
   if (options.operation.empty()) {
     error = "no operation given";
@@ -216,6 +241,12 @@ Connection descriptor:
                             each sets one descriptor field, over the raw one
   The password may also come from the environment variable TALP_PASSWORD.
   A text option whose value begins with '@' is read from that file (UTF-8).
+
+Files without a byte-order mark:
+  --ansi windows-1252       read as Windows-1252 (the default)
+  --ansi utf-8              read as UTF-8 when every byte is valid UTF-8, else as
+                            Windows-1252; an update writes a file back as it was read
+  The environment variable TALP_ANSI takes the same values; --ansi wins over it.
 
 Output:
   --raw                     the result as UTF-8, byte for byte

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "talp/host_services.h"
+
 namespace talp::cli {
 
 enum class OutputMode { kAuto, kRaw, kUtf16, kPretty };
@@ -17,7 +19,14 @@ struct Options {
   std::string descriptor;              // raw descriptor with named fields applied
   std::map<std::string, std::string> texts;  // the operation's own options, by long name
   OutputMode output = OutputMode::kAuto;
+  host::AnsiText ansi = host::AnsiText::kWindows1252;  // what files without a mark hold
   bool help = false;
+};
+
+// The environment variables talp reads; null when unset.
+struct Environment {
+  const char* password = nullptr;  // TALP_PASSWORD
+  const char* ansi = nullptr;      // TALP_ANSI
 };
 
 struct ParseResult {
@@ -25,10 +34,10 @@ struct ParseResult {
   std::string error;  // empty when the command line is valid
 };
 
-// Parses the arguments that follow the program name. envPassword, when not
-// null, is the password unless --password is given. A text option whose value
-// begins with "@" is read from that file.
-ParseResult ParseOptions(const std::vector<std::string>& args, const char* envPassword);
+// Parses the arguments that follow the program name. The environment's
+// password and "ANSI" setting hold unless --password or --ansi is given. A
+// text option whose value begins with "@" is read from that file.
+ParseResult ParseOptions(const std::vector<std::string>& args, const Environment& environment);
 
 // The text of --help.
 std::string UsageText();

@@ -1,7 +1,15 @@
 #include "run.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+#include <optional>
 #include <string>
 
+#include "cli_host.h"
+#include "host/unique_fd.h"
 #include "host/unit_search.h"
 #include "options.h"
 #include "output.h"
@@ -70,6 +78,21 @@ int StyleRecord(ITALPRemote& remote, const Invocation& call, WideString& result)
   return status;
 }
 
+// Why the data file of a "File" descriptor cannot be read, or nothing.
+std::optional<std::string> WhyDataFileUnreadable(const Invocation& call) {
+  const std::string& op = call.options.operation;
+  const bool readsDataFile = op == "columns" || op == "list" || op == "loop" || op == "record" || op == "group" ||
+                             op == "update" || (op == "style" && call.options.texts.count("record") == 0);
+  if (!readsDataFile || call.Field(10) != PMString("File")) return std::nullopt;
+  const std::string path = call.Field(12).GrabCString();
+  if (path.empty()) return "no data file given (--file)";
+  const host::UniqueFd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  struct stat info {};
+  if (!fd.IsValid()) return path + ": " + std::strerror(errno);
+  if (::fstat(fd.Get(), &info) == 0 && S_ISDIR(info.st_mode)) return path + ": " + std::strerror(EISDIR);
+  return std::nullopt;
+}
+
 // Runs the operation; result is written only by operations that have one.
 int RunOperation(ITALPRemote& remote, const Invocation& call, WideString& result, bool& hasResult) {
   const std::string& op = call.options.operation;
@@ -111,8 +134,8 @@ int RunOperation(ITALPRemote& remote, const Invocation& call, WideString& result
 }  // namespace
 
 int RunTalp(ITALPRemote& remote, const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
-            bool outIsTerminal, const char* envPassword) {
-  const ParseResult parsed = ParseOptions(args, envPassword);
+            bool outIsTerminal, const Environment& environment, std::FILE* terminal) {
+  const ParseResult parsed = ParseOptions(args, environment);
   if (parsed.options.help) {
     out << UsageText();
     return 0;
@@ -123,6 +146,10 @@ int RunTalp(ITALPRemote& remote, const std::vector<std::string>& args, std::ostr
   }
   const Options& options = parsed.options;
   const Invocation call{options, PMString(options.descriptor)};
+  CliHost cliHost(err, terminal, options.ansi);
+  const host::ScopedHostServices scope(cliHost);
+  // The operation itself says nothing of a data file it cannot open.
+  if (const auto why = WhyDataFileUnreadable(call)) cliHost.Note(*why);
   WideString result;
   bool hasResult = false;
   const int status = RunOperation(remote, call, result, hasResult);

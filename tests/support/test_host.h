@@ -1,12 +1,14 @@
-// Host services for tests: alerts are recorded instead of shown, a process
-// exit throws ProcessExit instead of ending the test run, files are the
-// platform's (or bytes in memory), and a script runner can be supplied.
-// Installs itself for its lifetime.
+// Host services for tests: alerts and file remarks are recorded instead of
+// shown, a process exit throws ProcessExit instead of ending the test run,
+// files are the platform's (or bytes in memory), settings can be changed,
+// and a script runner can be supplied. Installs itself for its lifetime.
 #pragma once
 
 #include <algorithm>
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,18 +25,31 @@ class TestHost : public host::PlatformHostServices {
  public:
   TestHost() : scope_(*this) {}
 
-  void InformationAlert(const PMString& message) override { alerts.push_back(message.GrabCString()); }
+  void InformationAlert(const PMString& message) override {
+    const std::lock_guard lock(mutex_);  // file operations may run on several threads
+    alerts.push_back(message.GrabCString());
+  }
+  void RemarkOnFile(const PMString& path, host::FileRemark) override {
+    const std::lock_guard lock(mutex_);
+    remarks.push_back(path.GrabCString());
+  }
   [[noreturn]] void ExitProcess(int status) override { throw ProcessExit{status}; }
   std::unique_ptr<host::IScriptRunner> FindScriptRunner(const PMString& scriptPath) override {
     return scriptRunnerFactory ? scriptRunnerFactory(scriptPath) : nullptr;
   }
   PMString LocalizedDecimal() const override { return localizedDecimal; }
+  host::AnsiText Ansi() const override { return ansi; }
+  std::chrono::milliseconds FileLockWait() const override { return fileLockWait; }
 
   std::vector<std::string> alerts;
+  std::vector<std::string> remarks;  // paths remarked on
+  host::AnsiText ansi = host::AnsiText::kWindows1252;
+  std::chrono::milliseconds fileLockWait{30000};
   std::function<std::unique_ptr<host::IScriptRunner>(const PMString&)> scriptRunnerFactory;
   PMString localizedDecimal = ".";
 
  private:
+  std::mutex mutex_;
   host::ScopedHostServices scope_;
 };
 

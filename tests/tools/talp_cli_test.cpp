@@ -9,6 +9,7 @@
 #include "output.h"
 #include "cli_host.h"
 #include "run.h"
+#include "talp/talp_remote.h"
 #include "temp_folder.h"
 
 namespace talp::cli {
@@ -132,6 +133,7 @@ TEST(TalpUsageErrors, ExitWithTwoAndAReason) {
       {{"columns", "--where", "x"}, "option --where does not apply to 'columns'"},
       {{"tables", "--table", "a;b"}, "the value of --table cannot hold ';', which separates descriptor fields"},
       {{"loop", "--where", "@/no/such/file"}, "cannot read the file '/no/such/file' given to --where"},
+      {{"loop", "--ansi", "latin1"}, "--ansi takes utf-8 or windows-1252, not 'latin1'"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.reason);
@@ -206,6 +208,51 @@ TEST(TalpStyle, ShowsEachComputedFieldWithItsName) {
   EXPECT_EQ(run.err, "");
   EXPECT_EQ(run.out, "label\tNut a<br>b\rdouble\t8\r");
   EXPECT_TRUE(run.calls.empty());
+}
+
+// Files without a mark as the setting says (--ansi over TALP_ANSI), and a
+// note where that looks wrong or the data file cannot be opened; the
+// operation's result and status stay as they are.
+TEST(TalpDataFiles, ReadAsTheAnsiSettingSaysWithNotes) {
+  const test::TempFolder folder;
+  test::Spit(folder / "utf8.txt", "name\rcaf\xC3\xA9\r");
+  test::Spit(folder / "ansi.txt", "name\rcaf\xE9\r");
+  const std::string utf8 = (folder / "utf8.txt").string(), dir = folder.Path("").GrabCString();
+  const std::string misread = "talp: note: " + utf8 +
+                              " has no byte-order mark and was read as Windows-1252, but it is valid UTF-8;"
+                              " to read it as UTF-8, use --ansi utf-8 (or TALP_ANSI=utf-8)\n";
+  const struct {
+    const char* name;
+    std::string file;
+    std::vector<std::string> options;
+    const char* environment;
+    std::string out, err;
+    int status = 0;
+  } cases[] = {
+      {"DefaultIsWindows1252", "utf8.txt", {}, nullptr, "caf\xC3\x83\xC2\xA9\r", misread},
+      {"OptionReadsUTF8", "utf8.txt", {"--ansi", "utf-8"}, nullptr, "caf\xC3\xA9\r", ""},
+      {"EnvironmentReadsUTF8", "utf8.txt", {}, "UTF-8", "caf\xC3\xA9\r", ""},
+      {"OptionWinsOverEnvironment", "utf8.txt", {"--ansi", "windows-1252"}, "utf-8", "caf\xC3\x83\xC2\xA9\r",
+       misread},
+      {"Windows1252BytesNeedNoNote", "ansi.txt", {}, nullptr, "caf\xC3\xA9\r", ""},
+      {"Missing", "missing.txt", {}, nullptr, "", "talp: note: " + dir + "missing.txt: No such file or directory\n"},
+      {"Folder", "", {}, nullptr, "", "talp: note: " + dir + ": Is a directory\n"},
+      {"BadEnvironment", "utf8.txt", {}, "latin1", "",
+       "talp: TALP_ANSI must be utf-8 or windows-1252, not 'latin1'\nTry 'talp --help' for more information.\n", 2},
+  };
+  TALPRemote remote;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    std::vector<std::string> args = {"loop", "--type", "File", "--file", (folder / c.file).string()};
+    args.insert(args.end(), c.options.begin(), c.options.end());
+    std::ostringstream out, err;
+    EXPECT_EQ(RunTalp(remote, args, out, err, false, {.ansi = c.environment}), c.status);
+    EXPECT_EQ(out.str(), c.out);
+    EXPECT_EQ(err.str(), c.err);
+  }
+  std::ostringstream out, err;
+  RunTalp(remote, {"columns", "--type", "File"}, out, err, false, {});
+  EXPECT_EQ(err.str(), "talp: note: no data file given (--file)\n");
 }
 
 }  // namespace

@@ -28,7 +28,12 @@ std::vector<std::string> StreamedLines(const PMString& path) {
 
 // Each file is read from disk and from memory in pieces of a few bytes.
 TEST(FileLinesTest, GivesTheRecordsWhereverPiecesAreCut) {
-  const struct { const char* name; std::string bytes; std::vector<std::string> lines; } cases[] = {
+  const struct {
+    const char* name;
+    std::string bytes;
+    std::vector<std::string> lines;
+    host::AnsiText ansi = host::AnsiText::kWindows1252;
+  } cases[] = {
       {"FinalCR", "h\tk\r1\t2\r", {"h\tk", "1\t2"}},
       {"NoFinalCR", "h\tk\r1\t2", {"h\tk", "1\t2"}},
       {"EmptyLinesBetween", "h\r\r\rx\r", {"h", "", "", "x"}},
@@ -39,15 +44,22 @@ TEST(FileLinesTest, GivesTheRecordsWhereverPiecesAreCut) {
       {"Utf16DropsLineFeeds", std::string("\xFF\xFE" "a\0\r\0\n\0\x3D\xD8\x00\xDE", 12), {"a", "\xF0\x9F\x98\x80"}},
       {"Xml", "<?xml version=\"1.0\"?>\n<ROW>\n<a>1</a>\n</ROW>\n<ROW>\n<a>2</a>\n</ROW>\n", {"a", "1", "2"}},
       {"TooShort", "ab", {}},
+      // Read once to see that it is all UTF-8, then again (or opened anew where it cannot go back).
+      {"Utf8WithoutMark", "Caf\xC3\xA9\n\v\xF0\x9F\x98\x80\r\n", {"Caf\xC3\xA9", "<br>\xF0\x9F\x98\x80"},
+       host::AnsiText::kUTF8WhereValid},
+      {"Windows1252WhereUTF8IsValid", "Caf\xE9\r\xC3\xA9", {"Caf\xC3\xA9", "\xC3\x83\xC2\xA9"},
+       host::AnsiText::kUTF8WhereValid},
   };
   const test::TempFolder folder;
-  const test::TestHost host;
+  test::TestHost host;
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
+    host.ansi = c.ansi;
     test::Spit(folder / c.name, c.bytes);
     EXPECT_EQ(StreamedLines(folder.Path(c.name)), c.lines);
     for (const std::size_t chunk : {3, 4, 5}) {
-      const test::MemoryFileHost memory(c.bytes, chunk);  // in place of host while it lives
+      test::MemoryFileHost memory(c.bytes, chunk);  // in place of host while it lives
+      memory.ansi = c.ansi;
       EXPECT_EQ(StreamedLines("any"), c.lines) << "in pieces of " << chunk;
     }
   }

@@ -1,4 +1,4 @@
-// Record queries and field updates of the "File" source on real files.
+// Record queries of the "File" source on real files.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -59,27 +59,6 @@ TEST_F(FileQueriesTest, SpecificRecordScansFromTheHeaderAndNeverReachesTheLastRe
     WideString result(c.start);
     EXPECT_EQ(fetchSpecificRecordFile(folder.Path("c.txt"), c.key, c.keyValue, c.styling, result), 0);
     EXPECT_EQ(result.ToUTF8(), c.want);
-  }
-}
-
-TEST_F(FileQueriesTest, UpdateRewritesEveryMatchingRecord) {
-  const struct { const char *name, *before, *field, *keyField, *keyValue, *value, *after; } cases[] = {
-      {"EscapesTheValue", "id\tname\tqty\r7\tnut\t5", "name", "id", "7", "bolt\tM4",
-       "id\tname\tqty\r7\tbolt<tb>M4\t\r"},
-      // The rebuilt record loses its last field; aimed at it, nothing is written.
-      {"LastFieldIsDropped", "id\tname\tqty\r7\tnut\t5", "qty", "id", "7", "9", "id\tname\tqty\r7\tnut\t\r"},
-      {"LineBreaksBecomeMarkers", "id\tname\tqty\r7\tnut\t5\r", "name", "id", "7", "a\r\nb",
-       "id\tname\tqty\r7\ta<br><sr>b\t\r"},
-      {"EveryMatchAndNoMatchStillRewrites", "id\tv\tx\n1\ta\t.\n2\tb\t.\n1\tc\t.\n", "v", "id", "1", "z",
-       "id\tv\tx\r1\tz\t\r2\tb\t.\r1\tz\t\r"},
-      {"CommaFileStaysComma", "id,name,qty\n7,nut,5\n", "name", "id", "7", "nut, M4", "id,name,qty\r7,\"nut, M4\",\r"},
-      {"MissingFileBecomesEmptyUtf8", "", "name", "id", "7", "x", "\xEF\xBB\xBF"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    if (*c.before) Spit(folder / c.name, c.before);
-    EXPECT_EQ(updateBaseFieldWithInfoFile(c.value, c.field, c.keyField, c.keyValue, folder.Path(c.name)), 0);
-    EXPECT_EQ(Slurp(folder / c.name), c.after);
   }
 }
 

@@ -2,7 +2,8 @@
 // WideString with CR line ends, and typed writing in a chosen encoding.
 //
 // Encoding names, exactly as callers pass and compare them: "UTF-16 Little
-// Endian", "UTF-16 Big Endian", "UTF-8", "ANSI" (Windows-1252 here). Files go
+// Endian", "UTF-16 Big Endian", "UTF-8", "ANSI" (a file without mark: read as
+// Windows-1252, or as UTF-8 where valid, as the host's "ANSI" setting says). Files go
 // through the host's streams, so writes replace their target atomically.
 // UTF-16 is written little endian without a mark; programs that read these
 // files must assume that byte order.
@@ -35,13 +36,14 @@ enum class TextEncoding {
 void GetFileEncoding(const PMString& path, PMString& encoding);
 
 // Replaces out by the whole file, decoded by its mark (FF FE: UTF-16 little
-// endian, FE FF: big endian, EF BB BF: UTF-8, else ANSI), with line ends made
-// CR: in UTF-8 and ANSI files a lone LF becomes CR and CR LF becomes CR (and
-// ANSI's vertical tab "<br>"); in UTF-16 files every LF is dropped, and an
-// odd last byte is ignored. Malformed UTF-8 reads as U+FFFD. out is untouched
-// when the file cannot be read (also when it does not fit in memory); a file
-// shorter than 3 bytes gives the alert "Size of file smaller than 3 bytes!",
-// a bad stream "StreamState error!". The third argument is not used.
+// endian, FE FF: big endian, EF BB BF: UTF-8, else ANSI, see above), with
+// line ends made CR: in UTF-8 and ANSI files a lone LF becomes CR and CR LF
+// becomes CR (and ANSI's vertical tab "<br>"); in UTF-16 files every LF is
+// dropped, and an odd last byte is ignored. Malformed UTF-8 reads as U+FFFD.
+// out is untouched when the file cannot be read (also when a read fails part
+// way, or it does not fit in memory); a file shorter than 3 bytes gives the
+// alert "Size of file smaller than 3 bytes!", a bad stream "StreamState
+// error!". The third argument is not used.
 void ReadMixedFile(const PMString& path, WideString& out, const PMString& unused);
 
 // Writes content to path as kind says ("UTF-8", "MTI4", "SNIPPET": UTF-8

@@ -10,7 +10,6 @@
 #include "text/item_cursor.h"
 #include "text/search_replace.h"
 #include "text/text_handlers.h"
-#include "text/text_file_reader.h"
 #include "text/unicode_files.h"
 #include "text/xml_table.h"
 
@@ -68,19 +67,7 @@ WideString PrepareForXML(const WideString& content) {
 
 }  // namespace
 
-StoredForm StoredFormOf(const PMString& path) {
-  StoredForm stored;
-  TextFileReader reader;
-  const bool open = reader.Open(path);
-  if (open || reader.OpenFailure() == TextFileReader::Failure::kTooShort) stored.encoding = reader.Encoding();
-  if (open) {
-    // Only the first line is read.
-    std::u16string text;
-    const std::size_t firstCR = reader.ReadThroughFirstCR(text);
-    stored.form = FormOfFirstLine(WideString::FromUTF16(std::u16string_view(text).substr(0, firstCR)));
-  }
-  return stored;
-}
+StoredForm StoredFormOf(const PMString& path) { return FileLines(path).Stored(); }
 
 DataForm FormOfFirstLine(const WideString& firstLine) {
   DataForm form;

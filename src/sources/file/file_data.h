@@ -24,7 +24,8 @@ struct StoredForm {
   TextEncoding encoding = TextEncoding::kUTF8WithMark;
   DataForm form;
 };
-// The stored form of the file at path, read from it (its first line only).
+// The stored form of the file at path, read from it (a delimited file's first
+// piece, an XML table whole).
 StoredForm StoredFormOf(const PMString& path);
 
 // Turns the text of an XML table, as read, into the normalised form: rows to

@@ -1,0 +1,137 @@
+#include "database_fixture.h"
+
+#include <sql.h>
+#include <sqlext.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+
+namespace talp::test {
+namespace {
+
+std::string Env(const char* name) {
+  const char* value = std::getenv(name);
+  return value ? value : "";
+}
+
+// Letters, digits and underscores of the running test's name.
+std::string TestTag() {
+  const testing::TestInfo* info = testing::UnitTest::GetInstance()->current_test_info();
+  std::string tag = std::string(info->test_suite_name()) + "_" + info->name();
+  for (char& c : tag) {
+    if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
+  }
+  // Database names are limited to 64 characters.
+  return "t" + std::to_string(::getpid()) + "_" + tag.substr(tag.size() > 40 ? tag.size() - 40 : 0);
+}
+
+}  // namespace
+
+std::string SourceName(const testing::TestParamInfo<Source>& info) {
+  return info.param == Source::kMySQL ? "MySQL" : info.param == Source::kOdbcSQLite ? "OdbcSQLite" : "OdbcMariaDB";
+}
+
+void OdbcRun(const std::string& connection, const std::string& statement, std::vector<std::string>* rows) {
+  SQLHANDLE env, dbc, stmt;
+  SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &env);
+  SQLSetEnvAttr(env, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
+  SQLAllocHandle(SQL_HANDLE_DBC, env, &dbc);
+  std::string text = connection, query = statement;
+  SQLDriverConnect(dbc, nullptr, reinterpret_cast<SQLCHAR*>(text.data()), SQL_NTS, nullptr, 0, nullptr, 0);
+  SQLAllocHandle(SQL_HANDLE_STMT, dbc, &stmt);
+  EXPECT_TRUE(SQL_SUCCEEDED(SQLExecDirect(stmt, reinterpret_cast<SQLCHAR*>(query.data()), SQL_NTS))) << statement;
+  SQLSMALLINT columns = 0;
+  SQLNumResultCols(stmt, &columns);
+  for (char value[4096]; rows && columns > 0 && SQL_SUCCEEDED(SQLFetch(stmt));) {
+    std::string line;
+    for (SQLUSMALLINT c = 1; c <= columns; ++c) {
+      SQLLEN length = 0;
+      SQLGetData(stmt, c, SQL_C_CHAR, value, sizeof value, &length);
+      line += (c > 1 ? "\t" : "") + std::string(length == SQL_NULL_DATA ? "\\N" : value);
+    }
+    rows->push_back(line);
+  }
+  SQLFreeHandle(SQL_HANDLE_STMT, stmt);
+  SQLDisconnect(dbc);
+  SQLFreeHandle(SQL_HANDLE_DBC, dbc);
+  SQLFreeHandle(SQL_HANDLE_ENV, env);
+}
+
+void DatabaseTest::SetUp() {
+  host = PMString(Env("TALP_MYSQL_HOST"));
+  port = std::atoi(Env("TALP_MYSQL_PORT").c_str());
+  user = PMString(Env("TALP_MYSQL_USER"));
+  password = PMString(Env("TALP_MYSQL_PASSWORD"));
+  ASSERT_FALSE(host.IsEmpty() || Env("TALP_ODBC_MARIADB_DSN").empty())
+      << "no test server or data sources: run the tests with scripts/run-tests.sh";
+  if (Kind() == Source::kOdbcSQLite) {
+    folder_ = std::make_unique<TempFolder>();
+    dsn = PMString(Env("TALP_ODBC_SQLITE_DSN") + ";Database=" + (*folder_ / "test.db").string());
+    return;
+  }
+  admin_ = mysql_init(nullptr);
+  ASSERT_NE(mysql_real_connect(admin_, host.GrabCString().c_str(), user.GrabCString().c_str(),
+                               password.GrabCString().c_str(), nullptr, static_cast<unsigned>(port), nullptr,
+                               CLIENT_MULTI_STATEMENTS),
+            nullptr)
+      << mysql_error(admin_);
+  mysql_set_character_set(admin_, "utf8mb4");
+  const std::string name = TestTag();
+  Exec({"DROP DATABASE IF EXISTS " + name, "CREATE DATABASE " + name + " CHARACTER SET utf8mb4", "USE " + name});
+  database = PMString(name);
+  dsn = PMString(Env("TALP_ODBC_MARIADB_DSN") + ";DATABASE=" + name);
+}
+
+void DatabaseTest::TearDown() {
+  if (admin_ == nullptr) return;
+  std::string drop = "DROP DATABASE IF EXISTS " + database.GrabCString();
+  for (const std::string& name : users_) drop += "; DROP USER IF EXISTS '" + name + "'@'%'";
+  if (!database.IsEmpty()) Exec({drop});
+  mysql_close(admin_);
+}
+
+void DatabaseTest::Exec(std::initializer_list<std::string> statements) {
+  for (const std::string& statement : statements) {
+    if (admin_ == nullptr) {
+      OdbcRun("DSN=" + dsn.GrabCString(), statement);
+      continue;
+    }
+    ASSERT_EQ(mysql_query(admin_, statement.c_str()), 0) << mysql_error(admin_) << "\nin: " << statement;
+    // Drains every result of a multi-statement text.
+    do {
+      if (MYSQL_RES* result = mysql_store_result(admin_)) mysql_free_result(result);
+    } while (mysql_next_result(admin_) == 0);
+    ASSERT_EQ(mysql_errno(admin_), 0U) << mysql_error(admin_) << "\nin: " << statement;
+  }
+}
+
+std::vector<std::string> DatabaseTest::Rows(const std::string& query) {
+  std::vector<std::string> rows;
+  if (admin_ == nullptr) {
+    OdbcRun("DSN=" + dsn.GrabCString(), query, &rows);
+    return rows;
+  }
+  EXPECT_EQ(mysql_query(admin_, query.c_str()), 0) << mysql_error(admin_);
+  MYSQL_RES* result = mysql_store_result(admin_);
+  if (result == nullptr) return rows;
+  const unsigned n = mysql_num_fields(result);
+  while (MYSQL_ROW row = mysql_fetch_row(result)) {
+    const unsigned long* lengths = mysql_fetch_lengths(result);
+    std::string line;
+    for (unsigned i = 0; i < n; ++i) line += (i > 0 ? "\t" : "") + (row[i] ? std::string(row[i], lengths[i]) : "\\N");
+    rows.push_back(line);
+  }
+  mysql_free_result(result);
+  return rows;
+}
+
+std::string DatabaseTest::CreateUser(const std::string& suffix, const std::string& secret) {
+  const std::string name = "u" + std::to_string(::getpid()) + suffix;
+  users_.push_back(name);
+  Exec({"CREATE USER '" + name + "'@'%' IDENTIFIED BY '" + secret + "'",
+        "GRANT ALL ON " + database.GrabCString() + ".* TO '" + name + "'@'%'"});
+  return name;
+}
+
+}  // namespace talp::test

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "database_fixture.h"
 #include "loopback_server.h"
 #include "sources/sql/mysql_connection.h"
@@ -81,6 +83,48 @@ TEST_P(SqlCatalogue, SearchString) {
   }
 }
 
+// Every operation with a connection that fails (a refused port or an unknown
+// data source, a wrong password): its status and the output it leaves. Only
+// the database list says so through MySQL; through ODBC every operation
+// alerts once, however often it connects, and writes the diagnostics.
+TEST_P(SqlCatalogue, FailedConnect) {
+  const test::RefusingPort refused;
+  const std::string unknown = "1: SQLDriverConnect = [unixODBC][Driver Manager]Data source name not found and no "
+                              "default driver specified (0) SQLSTATE=IM002\n";
+  const struct { const char* name; std::function<int(WideString&)> run; int mysql, odbc; const char* odbcOutput; }
+      operations[] = {
+          {"tables", [&](auto& out) { return Tables(out); }, 1, 1, ""},
+          {"columns", [&](auto& out) { return Columns("tt", out); }, 0, 1, ""},
+          {"list", [&](auto& out) { return List("t", "a", "b", "x", "", out); }, 0, 0, ""},
+          {"record", [&](auto& out) { return Record("t", "a", "1", "g", "", "", out); }, 0, 0, "untouched"},
+          {"group", [&](auto& out) { return Group("t", out, "x", "g", "", ""); }, 0, 0, "untouched"},
+          {"update", [&](auto&) { return Update("v", "f", "1", "t", "k"); }, 0, 0, "untouched"},
+      };
+  const PMString secret = password, source = dsn;
+  const int open = port;
+  for (const bool wrongPassword : {false, true}) {
+    if (wrongPassword && Kind() == test::Source::kOdbcSQLite) continue;  // SQLite has no passwords
+    port = wrongPassword ? open : refused.Port();
+    dsn = wrongPassword ? source : PMString("talp_no_such_source");
+    password = wrongPassword ? PMString("not-the-password") : secret;
+    for (const auto& o : operations) {
+      alerts.alerts.clear();
+      WideString result("untouched");
+      testing::internal::CaptureStderr();
+      EXPECT_EQ(o.run(result), Odbc() ? o.odbc : o.mysql) << o.name;
+      const std::string diagnostics = testing::internal::GetCapturedStderr();
+      EXPECT_EQ(result.ToUTF8(), Odbc() ? o.odbcOutput : "untouched") << o.name;
+      EXPECT_EQ(alerts.alerts, std::vector<std::string>(Odbc(), "Unable to connect to the data source!")) << o.name;
+      EXPECT_TRUE(diagnostics.starts_with(!Odbc() ? "" : wrongPassword ? "1: SQLDriverConnect = [ma-" : unknown));
+    }
+    if (Odbc()) continue;
+    WideString databases;
+    EXPECT_EQ(fetchDatabaseListSQL(host, port, user, password, databases), 1);
+    EXPECT_EQ(ConnectWithInfoSQL("SELECT 1", host, port, user, password, database, ""), 0);
+    EXPECT_EQ(alerts.alerts, std::vector<std::string>{"NOT CONNECTED TO BASE"});
+  }
+}
+
 // The database list and the statements are MySQL's alone.
 class MySqlCatalogue : public test::DatabaseTest {};
 
@@ -119,29 +163,6 @@ TEST_F(MySqlCatalogue, Statements) {
   ASSERT_EQ(alerts.alerts.size(), 3U);
   EXPECT_NE(alerts.alerts[0].find("nowhere"), std::string::npos) << alerts.alerts[0];
   EXPECT_EQ(alerts.alerts[2], alerts.alerts[1]);
-}
-
-// A refused port, a wrong password and an unknown database fail the connect:
-// only the database list says so.
-TEST_F(MySqlCatalogue, FailedConnect) {
-  const test::RefusingPort refused;
-  const struct { int port; const char *password, *database; } cases[] = {
-      {refused.Port(), nullptr, nullptr}, {port, "not-the-password", nullptr}, {port, nullptr, "no_such_db"}};
-  for (const auto& c : cases) {
-    alerts.alerts.clear();
-    const PMString secret = c.password ? PMString(c.password) : password;
-    const PMString base = c.database ? PMString(c.database) : database;
-    WideString databases;  // the database list names no database: it connects there
-    EXPECT_EQ(fetchDatabaseListSQL(host, c.port, user, secret, databases), c.database ? 0 : 1);
-    WideString result("untouched");
-    EXPECT_EQ(fetchTableListSQL(host, c.port, user, secret, base, result), 1);
-    EXPECT_EQ(fetchColumnListSQL(host, c.port, user, secret, base, "tt", "", result), 0);
-    EXPECT_EQ(ConnectWithInfoSQL("SELECT 1", host, c.port, user, secret, base, ""), 0);
-    EXPECT_EQ(fetchRecordGroupLoopSQL(host, c.port, user, secret, base, "gg", result, "", "k", "", ""), 0);
-    EXPECT_EQ(updateBaseFieldWithInfoSQL("v", "v", "1", host, c.port, user, secret, base, "tt", "id"), 0);
-    EXPECT_EQ(result.ToUTF8(), "untouched");
-    EXPECT_EQ(alerts.alerts, std::vector<std::string>(c.database ? 0 : 1, "NOT CONNECTED TO BASE"));
-  }
 }
 
 // The client library overruns a buffer with table names of some 350 bytes

@@ -1,13 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
-#include <optional>
 #include <thread>
 
 #include "database_fixture.h"
-#include "sources/odbc/odbc_connection.h"
-#include "sources/sql/mysql_connection.h"
 
 namespace talp {
 namespace {
@@ -15,28 +11,8 @@ namespace {
 class SqlLock : public test::SourceTest {};
 ON_EVERY_SOURCE(SqlLock);
 
-TEST_P(SqlLock, AnOperationWaitsForTheOneThatRuns) {
-  Exec({"CREATE TABLE tt (id INT)"});
-  std::atomic<bool> done = false;
-  std::thread other;
-  {
-    // Holds the lock, as a running operation does.
-    std::optional<sql::MySqlSession> mysql;
-    std::optional<odbc::Session> odbc;
-    Odbc() ? (void)odbc.emplace() : (void)mysql.emplace();
-    other = std::thread([&] {
-      WideString result;
-      Tables(result);
-      done = true;
-    });
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    EXPECT_FALSE(done);
-  }
-  other.join();
-  EXPECT_TRUE(done);
-}
-
-// The operations share their handles; concurrent callers wait for each other.
+// The operations of a source share their handles: concurrent callers wait
+// for each other instead of corrupting one another's results.
 TEST_P(SqlLock, ConcurrentOperationsDoNotCorruptEachOther) {
   std::string insert = "INSERT INTO c VALUES (1, 'row1')", expected = "row1\t1\t\r";
   for (int i = 2; i <= 50; ++i) {

@@ -58,14 +58,18 @@ start() {
   # The example catalogue without what only MySQL understands.
   sed -e '/^SET NAMES/d' -e 's/^) ENGINE=.*;$/);/' "$catalogue_sql" | sqlite3 "$dir/catalogue.db"
 
+  # DontDLClose: the driver stays loaded between connections instead of being
+  # loaded anew for every operation.
   cat >"$dir/odbcinst.ini" <<INI
 [TALP SQLite]
 Description = SQLite 3 (libsqliteodbc)
 Driver = $sqlite
+DontDLClose = 1
 
 [TALP MariaDB]
 Description = MariaDB Connector/ODBC (odbc-mariadb)
 Driver = $mariadb
+DontDLClose = 1
 
 [TALP Missing]
 Description = a driver library that does not exist

@@ -1,5 +1,6 @@
 #include "database_fixture.h"
 
+#include <odbcinst.h>
 #include <sql.h>
 #include <sqlext.h>
 #include <unistd.h>
@@ -63,7 +64,9 @@ void DatabaseTest::SetUp() {
   port = std::atoi(Env("TALP_MYSQL_PORT").c_str());
   user = PMString(Env("TALP_MYSQL_USER"));
   password = PMString(Env("TALP_MYSQL_PASSWORD"));
-  ASSERT_FALSE(host.IsEmpty() || Env("TALP_ODBC_MARIADB_DSN").empty())
+  char driver[256] = "";
+  SQLGetPrivateProfileString(Env("TALP_ODBC_MARIADB_DSN").c_str(), "Driver", "", driver, sizeof driver, "odbc.ini");
+  ASSERT_FALSE(host.IsEmpty() || driver[0] == '\0')
       << "no test server or data sources: run the tests with scripts/run-tests.sh";
   if (Kind() == Source::kOdbcSQLite) {
     folder_ = std::make_unique<TempFolder>();

@@ -27,15 +27,5 @@ TEST_P(OdbcConnection, MissingDriverEndsTheProcess) {
   EXPECT_TRUE(alerts.alerts.empty());
 }
 
-// Values are read into a buffer of 4096 bytes: longer ones are cut.
-TEST_P(OdbcConnection, LongValuesAreCut) {
-  Exec({"CREATE TABLE t (id INT, v TEXT)", "INSERT INTO t VALUES (1, '" + std::string(5000, 'x') + "')"});
-  WideString result;
-  testing::internal::CaptureStderr();
-  fetchRecordListODBC(user, password, dsn, "t", "id", "v", "", "", result);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-  EXPECT_EQ(result.ToUTF8(), std::string(4095, 'x') + "\t1\t\r");
-}
-
 }  // namespace
 }  // namespace talp

@@ -24,6 +24,8 @@ ON_EVERY_SOURCE(SqlRecords);
 // MySQL shows NULL as "NULL"; through ODBC a NULL repeats the value read
 // before it, in its row or the row before (empty before the first).
 TEST_P(SqlRecords, RecordListLayout) {
+  const std::string longValue = "SELECT '" + std::string(5000, 'x') + "', id FROM goods WHERE id=1";
+  const std::string cut = std::string(4095, 'x') + "\t1\t\r";
   const struct { const char *sort, *shown, *search, *group, *mysql, *odbc; } cases[] = {
       {"id", "name", "", "", "Hammer\t1\t\rDrill\t2\t\rScrews\t3\t\rBox \xF0\x9F\x93\xA6\t4\t\r", nullptr},
       {"id", "note", "", "", "NULL\t1\t\rtwo\r\nlines\t2\t\ra\tb\t3\t\r\t4\t\r",
@@ -36,6 +38,8 @@ TEST_P(SqlRecords, RecordListLayout) {
       // Through ODBC a whole statement runs as it stands; MySQL appends it and fails.
       {"id", "note", "SELECT note, id, note FROM goods WHERE id<3 ORDER BY id DESC", "", "untouched",
        "two\r\nlines\t2\ttwo\r\nlines\t\rtwo\r\nlines\t1\t1\t\r"},
+      // Values are read into a buffer of 4096 bytes: longer ones are cut.
+      {"id", "name", longValue.c_str(), "", "untouched", cut.c_str()},
       // The last column is not searched through ODBC.
       {"id", "name", "a\tb", "", "Screws\t3\t\r", ""},
       // Failures say nothing; the unescaped quote breaks the statement.

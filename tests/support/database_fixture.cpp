@@ -7,7 +7,6 @@
 
 #include <cstdlib>
 
-
 namespace talp::test {
 namespace {
 
@@ -64,8 +63,9 @@ void DatabaseTest::SetUp() {
   port = std::atoi(Env("TALP_MYSQL_PORT").c_str());
   user = PMString(Env("TALP_MYSQL_USER"));
   password = PMString(Env("TALP_MYSQL_PASSWORD"));
+  server_ = Env("TALP_ODBC_MARIADB_DSN");
   char driver[256] = "";
-  SQLGetPrivateProfileString(Env("TALP_ODBC_MARIADB_DSN").c_str(), "Driver", "", driver, sizeof driver, "odbc.ini");
+  SQLGetPrivateProfileString(server_.c_str(), "Driver", "", driver, sizeof driver, "odbc.ini");
   ASSERT_FALSE(host.IsEmpty() || driver[0] == '\0')
       << "no test server or data sources: run the tests with scripts/run-tests.sh";
   if (Kind() == Source::kOdbcSQLite) {
@@ -73,60 +73,37 @@ void DatabaseTest::SetUp() {
     dsn = PMString(Env("TALP_ODBC_SQLITE_DSN") + ";Database=" + (*folder_ / "test.db").string());
     return;
   }
-  admin_ = mysql_init(nullptr);
-  ASSERT_NE(mysql_real_connect(admin_, host.GrabCString().c_str(), user.GrabCString().c_str(),
-                               password.GrabCString().c_str(), nullptr, static_cast<unsigned>(port), nullptr,
-                               CLIENT_MULTI_STATEMENTS),
-            nullptr)
-      << mysql_error(admin_);
-  mysql_set_character_set(admin_, "utf8mb4");
+  // The MariaDB driver sets up the MySQL tests' data too: the code under
+  // test never prepares what it is tested on.
   const std::string name = TestTag();
-  Exec({"DROP DATABASE IF EXISTS " + name, "CREATE DATABASE " + name + " CHARACTER SET utf8mb4", "USE " + name});
+  dsn = PMString(server_);
+  Exec({"DROP DATABASE IF EXISTS " + name, "CREATE DATABASE " + name + " CHARACTER SET utf8mb4"});
   database = PMString(name);
-  dsn = PMString(Env("TALP_ODBC_MARIADB_DSN") + ";DATABASE=" + name);
+  dsn = PMString(server_ + ";DATABASE=" + name);
 }
 
 void DatabaseTest::TearDown() {
-  if (admin_ == nullptr) return;
-  std::string drop = "DROP DATABASE IF EXISTS " + database.GrabCString();
-  for (const std::string& name : users_) drop += "; DROP USER IF EXISTS '" + name + "'@'%'";
-  if (!database.IsEmpty()) Exec({drop});
-  mysql_close(admin_);
+  if (database.IsEmpty()) return;
+  // A test may have changed them.
+  dsn = PMString(server_);
+  user = PMString(Env("TALP_MYSQL_USER"));
+  password = PMString(Env("TALP_MYSQL_PASSWORD"));
+  for (const std::string& name : users_) Exec({"DROP USER IF EXISTS '" + name + "'@'%'"});
+  Exec({"DROP DATABASE IF EXISTS " + database.GrabCString()});
 }
 
 void DatabaseTest::Exec(std::initializer_list<std::string> statements) {
-  for (const std::string& statement : statements) {
-    if (admin_ == nullptr) {
-      OdbcRun("DSN=" + dsn.GrabCString(), statement);
-      continue;
-    }
-    ASSERT_EQ(mysql_query(admin_, statement.c_str()), 0) << mysql_error(admin_) << "\nin: " << statement;
-    // Drains every result of a multi-statement text.
-    do {
-      if (MYSQL_RES* result = mysql_store_result(admin_)) mysql_free_result(result);
-    } while (mysql_next_result(admin_) == 0);
-    ASSERT_EQ(mysql_errno(admin_), 0U) << mysql_error(admin_) << "\nin: " << statement;
-  }
+  for (const std::string& statement : statements) OdbcRun(Connection(), statement);
 }
 
 std::vector<std::string> DatabaseTest::Rows(const std::string& query) {
   std::vector<std::string> rows;
-  if (admin_ == nullptr) {
-    OdbcRun("DSN=" + dsn.GrabCString(), query, &rows);
-    return rows;
-  }
-  EXPECT_EQ(mysql_query(admin_, query.c_str()), 0) << mysql_error(admin_);
-  MYSQL_RES* result = mysql_store_result(admin_);
-  if (result == nullptr) return rows;
-  const unsigned n = mysql_num_fields(result);
-  while (MYSQL_ROW row = mysql_fetch_row(result)) {
-    const unsigned long* lengths = mysql_fetch_lengths(result);
-    std::string line;
-    for (unsigned i = 0; i < n; ++i) line += (i > 0 ? "\t" : "") + (row[i] ? std::string(row[i], lengths[i]) : "\\N");
-    rows.push_back(line);
-  }
-  mysql_free_result(result);
+  OdbcRun(Connection(), query, &rows);
   return rows;
+}
+
+std::string DatabaseTest::Connection() const {
+  return "DSN=" + dsn.GrabCString() + ";UID=" + user.GrabCString() + ";PWD=" + password.GrabCString();
 }
 
 std::string DatabaseTest::CreateUser(const std::string& suffix, const std::string& secret) {

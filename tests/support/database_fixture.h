@@ -7,7 +7,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <mysql.h>
 
 #include <initializer_list>
 #include <memory>
@@ -35,8 +34,8 @@ class DatabaseTest : public testing::Test {
   void SetUp() override;
   void TearDown() override;
 
-  // Runs statements on the test's database directly (not through the code
-  // under test); fails the test on an error.
+  // Runs statements on the test's database through the ODBC driver directly
+  // (not through the code under test); fails the test on an error.
   void Exec(std::initializer_list<std::string> statements);
   // The rows of a query, fields joined by TAB, NULL as "\\N".
   std::vector<std::string> Rows(const std::string& query);
@@ -85,7 +84,9 @@ class DatabaseTest : public testing::Test {
   TestHost alerts;
 
  private:
-  MYSQL* admin_ = nullptr;
+  std::string Connection() const;  // of dsn, as user
+
+  std::string server_;  // the MariaDB data source
   std::vector<std::string> users_;
   std::unique_ptr<TempFolder> folder_;  // the SQLite file's
 };

@@ -5,8 +5,10 @@ ASAN_BUILD ?= build-asan
 FUZZ_BUILD ?= build-fuzz
 JOBS       ?= $(shell nproc)
 MYSQL_DIR  ?= /tmp/talp-mariadb
+ODBC_DIR   ?= /tmp/talp-odbc
 
-.PHONY: all deps build demo test test-asan fuzz bench scale mysql-scale clean mysql-server mysql-server-stop
+.PHONY: all deps build demo test test-asan fuzz bench scale mysql-scale odbc-scale clean mysql-server mysql-server-stop \
+        odbc-dsn odbc-dsn-stop
 
 all: build
 
@@ -32,6 +34,15 @@ mysql-server: deps
 
 mysql-server-stop:
 	scripts/mariadb-server.sh stop "$(MYSQL_DIR)"
+
+# ODBC data sources to try the "ODBC" source: talp_sqlite (the example catalogue
+# through the SQLite driver) and talp_mariadb (the MariaDB driver on the server of
+# mysql-server). Then: set -a; . $(ODBC_DIR)/odbc.env; set +a
+odbc-dsn: mysql-server
+	scripts/odbc-dsn.sh start "$(ODBC_DIR)" "$(MYSQL_DIR)/server.env"
+
+odbc-dsn-stop: mysql-server-stop
+	scripts/odbc-dsn.sh stop "$(ODBC_DIR)"
 
 # The same tests built with AddressSanitizer and UndefinedBehaviorSanitizer.
 test-asan: deps
@@ -64,6 +75,14 @@ mysql-scale:
 	cmake -S . -B build-release -G Ninja -DCMAKE_BUILD_TYPE=Release
 	cmake --build build-release -j $(JOBS) --target talp mysql_baseline
 	bench/mysql_scale.sh build-release
+
+# talp's "ODBC" source through the MariaDB driver against unixODBC's isql, on a
+# million-row table of a throw-away server.
+odbc-scale:
+	scripts/install-deps.sh python3 time bc
+	cmake -S . -B build-release -G Ninja -DCMAKE_BUILD_TYPE=Release
+	cmake --build build-release -j $(JOBS) --target talp
+	bench/odbc_scale.sh build-release
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) build-release

@@ -23,29 +23,8 @@ connection=(--host "$TALP_MYSQL_HOST" --port "$TALP_MYSQL_PORT" --user "$TALP_MY
             --database "$TALP_MYSQL_DATABASE" --table catalogue --type mySQL --raw)
 target=("$TALP_MYSQL_HOST" "$TALP_MYSQL_PORT" "$TALP_MYSQL_USER" "$TALP_MYSQL_DATABASE" catalogue)
 
-python3 bench/make_catalogue.py "$rows" "$work/big"
-
-# The server comes with the small example catalogue, which the big one replaces.
-# It is made for tests of a few rows; a buffer pool that holds the whole
-# table keeps the disk out of both the load and the reads.
-load_start=$(date +%s.%N)
-"${client[@]}" --local-infile=1 <<SQL
-SET GLOBAL innodb_buffer_pool_size = 1024 * 1024 * 1024;
-SET GLOBAL innodb_log_file_size = 512 * 1024 * 1024;
-SET GLOBAL local_infile = 1;
-DROP TABLE catalogue;
-CREATE TABLE catalogue (sku INT PRIMARY KEY, name VARCHAR(255), category VARCHAR(255),
-  brand VARCHAR(255), price DECIMAL(10,2), stock INT, description VARCHAR(255), ean VARCHAR(20))
-  CHARACTER SET utf8mb4;
-LOAD DATA LOCAL INFILE '$work/big.txt' INTO TABLE catalogue CHARACTER SET utf8mb4
-  FIELDS TERMINATED BY '\t' ESCAPED BY '' LINES TERMINATED BY '\n' IGNORE 1 LINES;
-SQL
-load=$(printf '%.2f' "$(echo "$(date +%s.%N) - $load_start" | bc)")
-count=$("${client[@]}" --batch --skip-column-names -e 'SELECT COUNT(*) FROM catalogue')
-stored=$("${client[@]}" --batch --skip-column-names -e 'SELECT SUM(LENGTH(sku) + LENGTH(name)
-  + LENGTH(category) + LENGTH(brand) + LENGTH(price) + LENGTH(stock) + LENGTH(description)
-  + LENGTH(ean)) FROM catalogue')
-echo "catalogue: $count rows, $(stat -c %s "$work/big.txt") bytes as TAB text, loaded in $load s;" \
+read -r count text_bytes load stored < <(bench/load_catalogue.sh "$db" "$rows" "$work")
+echo "catalogue: $count rows, $text_bytes bytes as TAB text, loaded in $load s;" \
      "$stored bytes of field values stored"
 
 # median of five runs of a command, its output thrown away

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Shows talp at work on the bundled example catalogues: for each file form the
 # column list, a filtered loop and one record; then the same catalogue in a
-# throw-away MariaDB server through the mySQL source.
+# throw-away MariaDB server through the mySQL source, and through the SQLite
+# ODBC driver with every operation of the ODBC source.
 set -euo pipefail
 
 talp=${1:?usage: demo.sh PATH_TO_TALP}
@@ -53,3 +54,24 @@ run loop "${source[@]}" --where "WHERE category='tools'"
 run record 1005 "${source[@]}" --group category --contents "[name]"
 run group "${source[@]}" --group category --contents "[name] [price]" \
     --query "SELECT * FROM catalogue ORDER BY category, sku"
+
+echo
+echo "=== the ODBC source: the example catalogue through the SQLite ODBC driver (scripts/odbc-dsn.sh)"
+odbc=$(mktemp -d /tmp/talp-demo-odbc.XXXXXX)
+trap 'scripts/odbc-dsn.sh stop "$odbc"; scripts/mariadb-server.sh stop "$server" > /dev/null' EXIT
+scripts/odbc-dsn.sh start "$odbc" > /dev/null
+set -a
+. "$odbc/odbc.env"
+set +a
+source=(--type ODBC --dsn talp_sqlite --table catalogue --key sku)
+run tables "${source[@]}"
+run columns "${source[@]}"
+run list "${source[@]}" --sort price --search screws
+echo "(the last column, description, is never searched: Torx finds nothing)"
+run list "${source[@]}" --sort price --search Torx
+run loop "${source[@]}" --where "WHERE category='tools'"
+run record 1005 "${source[@]}" --group category --contents "[name]"
+run group "${source[@]}" --group category --contents "[name] [price]" \
+    --query "SELECT * FROM catalogue ORDER BY category, sku"
+run update "Spirit level 80 cm" "${source[@]}" --field name --key-value 1005
+run record 1005 "${source[@]}"

@@ -4,7 +4,8 @@
 set -euo pipefail
 
 packages=(g++ cmake ninja-build pkg-config make libgtest-dev libgmock-dev libbenchmark-dev
-          mariadb-server mariadb-client libmariadb-dev "$@")
+          mariadb-server mariadb-client libmariadb-dev
+          unixodbc-dev unixodbc libsqliteodbc odbc-mariadb sqlite3 "$@")
 
 missing=()
 for package in "${packages[@]}"; do

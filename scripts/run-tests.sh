@@ -4,7 +4,9 @@
 #
 # The MySQL tests read the throw-away server from TALP_MYSQL_HOST, _PORT, _SOCKET,
 # _USER, _PASSWORD and _DATABASE. Each run gets its own server in a fresh folder,
-# so two builds can test at the same time.
+# so two builds can test at the same time. The ODBC tests read their data sources
+# (the SQLite driver, and the MariaDB driver on that server) from the folder that
+# scripts/odbc-dsn.sh writes, through ODBCSYSINI and the TALP_ODBC_* variables.
 set -euo pipefail
 
 build=${1:?usage: run-tests.sh BUILD_FOLDER}
@@ -12,7 +14,8 @@ scripts=$(cd "$(dirname "$0")" && pwd)
 
 # In /tmp rather than $TMPDIR: the server's socket path must stay short.
 server_dir=$(mktemp -d /tmp/talp-mariadb.XXXXXX)
-trap '"$scripts/mariadb-server.sh" stop "$server_dir"' EXIT
+odbc_dir=$(mktemp -d /tmp/talp-odbc.XXXXXX)
+trap '"$scripts/odbc-dsn.sh" stop "$odbc_dir"; "$scripts/mariadb-server.sh" stop "$server_dir"' EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM
 
@@ -20,6 +23,9 @@ trap 'exit 143' TERM
 set -a
 # shellcheck source=/dev/null
 . "$server_dir/server.env"
+"$scripts/odbc-dsn.sh" start "$odbc_dir" "$server_dir/server.env" >/dev/null
+# shellcheck source=/dev/null
+. "$odbc_dir/odbc.env"
 set +a
 
 cd "$build"

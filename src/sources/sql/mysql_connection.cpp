@@ -1,7 +1,5 @@
 #include "sources/sql/mysql_connection.h"
 
-#include "host/utf.h"
-
 namespace talp {
 
 MYSQL* pConnection = nullptr;
@@ -140,13 +138,6 @@ std::string FieldNamesList(MYSQL_RES* result) {
     names.append(fields[i].name, fields[i].name_length).push_back('\r');
   }
   return names;
-}
-
-void DecodeInto(std::string_view bytes, WideString& output) {
-  std::u16string units;
-  units.reserve(bytes.size());
-  utf::DecodeUTF8(bytes, units);
-  output = WideString(std::move(units));
 }
 
 }  // namespace sql

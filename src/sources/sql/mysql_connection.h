@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "sources/sql/sql_text.h"
 #include "talp/pm_string.h"
 #include "talp/wide_string.h"
 
@@ -95,9 +96,6 @@ inline std::string_view FieldBytes(const MYSQL_ROW row, const unsigned long* len
 
 // The names of result's fields, each followed by CR.
 std::string FieldNamesList(MYSQL_RES* result);
-
-// Replaces output with bytes decoded as UTF-8.
-void DecodeInto(std::string_view bytes, WideString& output);
 
 }  // namespace sql
 }  // namespace talp

@@ -28,44 +28,6 @@ std::size_t TotalBytes(MYSQL_RES* result) {
   return total;
 }
 
-// The SELECT of one record or one group: "SELECT * FROM table WHERE
-// field='value'", the value unescaped.
-std::string SelectWhereEquals(const PMString& table, const PMString& field, std::string_view value) {
-  std::string statement = "SELECT * FROM " + table.GrabCString() + " WHERE " + field.GrabCString() + "='";
-  statement.append(value).push_back('\'');
-  return statement;
-}
-
-// The other records of a group, each laid out by the styling and the line
-// layout, light and dark in turn, joined by "<br>", then a CR, the number of
-// records and a CR.
-std::u16string GroupText(MYSQL_RES* rows, const WideString& header, const WideString& styling,
-                         const PMString& lineLayout) {
-  std::u16string text;
-  if (rows == nullptr || mysql_num_rows(rows) == 0) return text;
-  WordStyling restyle(styling);
-  const RecordTemplate entryTemplate(lineLayout.AsWide().Units(), header.Units());
-  std::string bytes;
-  std::u16string record;
-  long count = 0;
-  sql::ForEachRow(rows, [&](MYSQL_ROW row, const unsigned long* lengths) {
-    sql::LoopRecord(rows, row, lengths, bytes, record);
-    const auto& fields = restyle.RestyleInLoop(header, record);
-    if (count > 0) text.append(u"<br>");
-    text.append(count % 2 == 0 ? u"<pstyle:LineLight>" : u"<pstyle:LineDark>");
-    if (lineLayout.IsEmpty()) {
-      text.append(record);
-    } else {
-      entryTemplate.Fill(fields, text);
-    }
-    ++count;
-  });
-  text.push_back(kCR);
-  AppendNumber(count, text);
-  text.push_back(kCR);
-  return text;
-}
-
 }  // namespace
 
 int fetchRecordListSQL(const PMString& host, int port, const PMString& user, const PMString& password,
@@ -78,12 +40,7 @@ int fetchRecordListSQL(const PMString& host, int port, const PMString& user, con
   if (!session.Init()) return 1;
   if (!session.InitAndConnect(host, port, user, password, database)) return 0;
   session.Prepare();
-  const std::string sort = sortField.GrabCString();
-  std::string statement = "SELECT " + shownField.GrabCString() + "," + sort + " FROM " + table.GrabCString();
-  statement += condition.GrabCString();
-  if (sql::AsksForGrouping(groupField)) statement += " GROUP BY " + groupField.GrabCString();
-  statement += " ORDER BY " + sort + " ASC LIMIT 200";
-  session.Query(statement);
+  session.Query(sql::RecordListStatement(table, sortField, shownField, condition, groupField));
   if (session.ErrorNumber() != 0) return 0;
   const sql::Result rows = session.StoreResult();
   std::string bytes;
@@ -145,7 +102,7 @@ int fetchSpecificRecordSQL(const PMString& host, int port, const PMString& user,
   AppendHeaderFromWordStyling(styling, header);
 
   session.Prepare();
-  session.Query(SelectWhereEquals(table, keyField, keyValue.GrabCString()));
+  session.Query(sql::SelectWhereEquals(table, keyField, keyValue.GrabCString()));
   if (session.ErrorNumber() != 0) return 0;
   const sql::Result rows = session.StoreResult();
   std::string record;
@@ -160,9 +117,16 @@ int fetchSpecificRecordSQL(const PMString& host, int port, const PMString& user,
   });
 
   std::u16string groupText;
-  if (sql::AsksForGrouping(groupField) && session.Query(SelectWhereEquals(table, groupField, groupValue))) {
+  if (sql::AsksForGrouping(groupField) && session.Query(sql::SelectWhereEquals(table, groupField, groupValue))) {
     const sql::Result group = session.StoreResult();
-    groupText = GroupText(group.get(), header, styling, lineLayout);
+    sql::GroupEntries entries(header, styling, lineLayout);
+    std::string bytes;
+    std::u16string entry;
+    sql::ForEachRow(group.get(), [&](MYSQL_ROW row, const unsigned long* lengths) {
+      sql::LoopRecord(group.get(), row, lengths, bytes, entry);
+      entries.Add(entry);
+    });
+    groupText = entries.Finish();
   }
   sql::DecodeInto(record, result);
   HandleWordStyling(styling, header, result);

@@ -5,16 +5,6 @@
 
 namespace talp::sql {
 
-void AppendProtected(std::string& out, std::string_view value) {
-  for (;;) {
-    const std::size_t special = value.find_first_of("\r\t");
-    if (special == std::string_view::npos) break;
-    out.append(value.substr(0, special)).append(value[special] == '\r' ? "<br>" : "<tb>");
-    value.remove_prefix(special + 1);
-  }
-  out.append(value);
-}
-
 void LoopRecord(MYSQL_RES* result, MYSQL_ROW row, const unsigned long* lengths, std::string& bytes,
                 std::u16string& record) {
   bytes.clear();
@@ -34,10 +24,6 @@ long FieldPosition(MYSQL_RES* result, const PMString& name) {
     if (std::string_view(fields[i].name, fields[i].name_length) == wanted) return static_cast<long>(i);
   }
   return -1;
-}
-
-bool AsksForGrouping(const PMString& groupField) {
-  return !groupField.IsEmpty() && groupField != PMString("None");
 }
 
 }  // namespace talp::sql

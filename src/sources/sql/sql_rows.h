@@ -8,13 +8,10 @@
 #include <string_view>
 
 #include "talp/host_services.h"
+#include "sources/sql/sql_text.h"
 #include "talp/pm_string.h"
 
 namespace talp::sql {
-
-// Appends value with every CR written as "<br>" and every TAB as "<tb>", so
-// that it can stand in a TAB- or CR-separated text.
-void AppendProtected(std::string& out, std::string_view value);
 
 // Replaces record with row as a loop record: every value protected, every
 // field followed by a TAB (so that computed fields line up after the last),
@@ -51,8 +48,5 @@ void ForEachRow(MYSQL_RES* result, Visit&& visit) {
   const unsigned long* lengths;
   while (rows.Next(row, lengths)) visit(row, lengths);
 }
-
-// True when a group field asks for grouping: neither empty nor "None".
-bool AsksForGrouping(const PMString& groupField);
 
 }  // namespace talp::sql

@@ -1,19 +1,140 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+
+#include "database_fixture.h"
 #include "loopback_server.h"
-#include "mysql_fixture.h"
 #include "sources/sql/mysql_connection.h"
 #include "sources/sql/sql_base.h"
 
 namespace talp {
 namespace {
 
-class SqlCatalogue : public test::MySqlTest {};
+class SqlCatalogue : public test::SourceTest {};
+ON_EVERY_SOURCE(SqlCatalogue);
+
+TEST_P(SqlCatalogue, TableListNamesEveryTable) {
+  Exec({"CREATE TABLE a (x INT)", "CREATE TABLE b (x INT)", "CREATE TABLE `t\xC3\xB6` (x INT)"});
+  WideString result("untouched");
+  EXPECT_EQ(Tables(result), 0);
+  // The MariaDB driver lists every database's tables, ours among them.
+  if (Kind() == test::Source::kOdbcMariaDB) {
+    EXPECT_NE(result.ToUTF8().find("\ra\rb\rt\xC3\xB6\r"), std::string::npos) << result.ToUTF8();
+  } else {
+    EXPECT_EQ(result.ToUTF8(), "a\rb\rt\xC3\xB6\r");
+  }
+  // No MySQL operation leaves a closed handle in the shared slot, the table
+  // list's closing comparison included.
+  EXPECT_EQ(pConnection, nullptr);
+}
+
+// A failed column list shows the server's message naming the culprit (MySQL)
+// or writes the driver's diagnostics (ODBC, whose list is then empty).
+TEST_P(SqlCatalogue, ColumnList) {
+  std::string wide = "CREATE TABLE wide (c1 INT", wideNames = "c1";
+  for (int i = 2; i <= 1500; ++i) wide += ", c" + std::to_string(i) + " INT";
+  for (int i = 2; i <= 1024; ++i) wideNames += "\rc" + std::to_string(i);
+  Exec({"CREATE TABLE tt (id INT, name TEXT, price INT)", "CREATE TABLE t1 (only_one INT)",
+        wide + (Kind() == test::Source::kOdbcSQLite ? ")" : ") ENGINE=Aria")});
+  const struct { const char *table, *mysql, *odbc; } cases[] = {
+      {"tt", "id\rname\rprice\r", "id\rname\rprice"},
+      {"t1", "only_one\r", "only_one"},
+      // At most 1024 names through ODBC.
+      {"wide", nullptr, wideNames.c_str()},
+      {"missing", "untouched", ""},
+  };
+  for (const auto& c : cases) {
+    if (!Pick(c.mysql, c.odbc)) continue;
+    alerts.alerts.clear();
+    WideString result("untouched");
+    testing::internal::CaptureStderr();
+    const int status = Columns(c.table, result);
+    const std::string diagnostics = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(result.ToUTF8(), Pick(c.mysql, c.odbc)) << c.table;
+    EXPECT_EQ(status, result.ToUTF8() == "untouched" ? 1 : 0) << c.table;
+    if (std::string(c.table) != "missing") continue;
+    EXPECT_EQ(alerts.alerts.size(), Odbc() ? 0U : 1U);
+    EXPECT_EQ(diagnostics, Odbc() ? "1: SQLNumResultCols = [unixODBC][Driver Manager]Function sequence error (0) "
+                                    "SQLSTATE=HY010\n"
+                                  : "");
+  }
+}
+
+// The search condition; through ODBC, whose column list has no CR after the
+// last name, the last column is never searched.
+TEST_P(SqlCatalogue, SearchString) {
+  Exec({"CREATE TABLE tt (a INT, b TEXT, c TEXT)", "CREATE TABLE t1 (a INT)"});
+  const struct { const char *input, *mysql, *odbc, *table = "tt"; } cases[] = {
+      {"", "", ""},
+      {"SELECT * FROM tt", "SELECT * FROM tt", "SELECT * FROM tt"},
+      {"WHERE id=3", " WHERE id=3", " WHERE id=3"},
+      {"x", " WHERE a LIKE '%x%' OR b LIKE '%x%' OR c LIKE '%x%'", " WHERE a LIKE '%x%' OR b LIKE '%x%'"},
+      // Not upper case, or no blank: plain text. Trusted text: the quote is not escaped.
+      {"select o'brien", " WHERE a LIKE '%select o'brien%' OR b LIKE '%select o'brien%' OR c LIKE '%select o'brien%'",
+       " WHERE a LIKE '%select o'brien%' OR b LIKE '%select o'brien%'"},
+      {"WHERE", " WHERE a LIKE '%WHERE%' OR b LIKE '%WHERE%' OR c LIKE '%WHERE%'",
+       " WHERE a LIKE '%WHERE%' OR b LIKE '%WHERE%'"},
+      {"x", " WHERE a LIKE '%x%'", " WHERE ", "t1"},
+      {"x", " WHERE ", " WHERE ", "missing"},
+  };
+  for (const auto& c : cases) {
+    PMString search(c.input);
+    testing::internal::CaptureStderr();
+    Search(c.table, search);
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(search.GrabCString(), Pick(c.mysql, c.odbc)) << c.input << " in " << c.table;
+  }
+}
+
+// Every operation with a connection that fails (a refused port or an unknown
+// data source, a wrong password): its status and the output it leaves. Only
+// the database list says so through MySQL; through ODBC every operation
+// alerts once, however often it connects, and writes the diagnostics.
+TEST_P(SqlCatalogue, FailedConnect) {
+  const test::RefusingPort refused;
+  const std::string unknown = "1: SQLDriverConnect = [unixODBC][Driver Manager]Data source name not found and no "
+                              "default driver specified (0) SQLSTATE=IM002\n";
+  const struct { const char* name; std::function<int(WideString&)> run; int mysql, odbc; const char* odbcOutput; }
+      operations[] = {
+          {"tables", [&](auto& out) { return Tables(out); }, 1, 1, ""},
+          {"columns", [&](auto& out) { return Columns("tt", out); }, 0, 1, ""},
+          {"list", [&](auto& out) { return List("t", "a", "b", "x", "", out); }, 0, 0, ""},
+          {"record", [&](auto& out) { return Record("t", "a", "1", "g", "", "", out); }, 0, 0, "untouched"},
+          {"group", [&](auto& out) { return Group("t", out, "x", "g", "", ""); }, 0, 0, "untouched"},
+          {"update", [&](auto&) { return Update("v", "f", "1", "t", "k"); }, 0, 0, "untouched"},
+      };
+  const PMString secret = password, source = dsn;
+  const int open = port;
+  for (const bool wrongPassword : {false, true}) {
+    if (wrongPassword && Kind() == test::Source::kOdbcSQLite) continue;  // SQLite has no passwords
+    port = wrongPassword ? open : refused.Port();
+    dsn = wrongPassword ? source : PMString("talp_no_such_source");
+    password = wrongPassword ? PMString("not-the-password") : secret;
+    for (const auto& o : operations) {
+      alerts.alerts.clear();
+      WideString result("untouched");
+      testing::internal::CaptureStderr();
+      EXPECT_EQ(o.run(result), Odbc() ? o.odbc : o.mysql) << o.name;
+      const std::string diagnostics = testing::internal::GetCapturedStderr();
+      EXPECT_EQ(result.ToUTF8(), Odbc() ? o.odbcOutput : "untouched") << o.name;
+      EXPECT_EQ(alerts.alerts, std::vector<std::string>(Odbc(), "Unable to connect to the data source!")) << o.name;
+      EXPECT_TRUE(diagnostics.starts_with(!Odbc() ? "" : wrongPassword ? "1: SQLDriverConnect = [ma-" : unknown));
+    }
+    if (Odbc()) continue;
+    WideString databases;
+    EXPECT_EQ(fetchDatabaseListSQL(host, port, user, password, databases), 1);
+    EXPECT_EQ(ConnectWithInfoSQL("SELECT 1", host, port, user, password, database, ""), 0);
+    EXPECT_EQ(alerts.alerts, std::vector<std::string>{"NOT CONNECTED TO BASE"});
+  }
+}
+
+// The database list and the statements are MySQL's alone.
+class MySqlCatalogue : public test::DatabaseTest {};
 
 // The server lists information_schema first, and the first database is dropped.
-TEST_F(SqlCatalogue, DatabaseListDropsTheFirstDatabaseTheServerLists) {
+TEST_F(MySqlCatalogue, DatabaseListDropsTheFirstDatabaseTheServerLists) {
   const std::string only = CreateUser("db", "pw"), none = CreateUser("none", "pw");
-  Exec("REVOKE ALL ON " + database.GrabCString() + ".* FROM '" + none + "'@'%'");
+  Exec({"REVOKE ALL ON " + database.GrabCString() + ".* FROM '" + none + "'@'%'"});
   WideString result("untouched");
   EXPECT_EQ(fetchDatabaseListSQL(host, port, PMString(only), "pw", result), 0);
   EXPECT_EQ(result.ToUTF8(), database.GrabCString() + "\r");
@@ -22,87 +143,34 @@ TEST_F(SqlCatalogue, DatabaseListDropsTheFirstDatabaseTheServerLists) {
   EXPECT_EQ(result.ToUTF8(), "");
 }
 
-// No operation leaves a closed handle in the shared slot, the table list's
-// closing comparison included.
-TEST_F(SqlCatalogue, TableListNamesEveryTable) {
-  Exec("CREATE TABLE b (x INT); CREATE TABLE a (x INT); CREATE TABLE `t\xC3\xB6` (x INT)");
-  WideString result;
-  EXPECT_EQ(fetchTableListSQL(host, port, user, password, database, result), 0);
-  EXPECT_EQ(result.ToUTF8(), "a\rb\rt\xC3\xB6\r");
-  EXPECT_EQ(pConnection, nullptr);
-}
-
-// A failed column list leaves the output alone and shows the server's message
-// naming the culprit, or nothing for a one-character table name, which never
-// gets as far as connecting.
-TEST_F(SqlCatalogue, ColumnListOfATableOrOfAStatement) {
-  Exec("CREATE TABLE tt (id INT, name TEXT, price DECIMAL(8,2)); CREATE TABLE t (id INT)");
-  const test::RefusingPort refused;
-  const struct { const char *table, *query, *expected, *named = nullptr; int port = 0; } cases[] = {
-      {"tt", "", "id\rname\rprice\r"},
+// The column list of a statement; a rejected statement is shown (once by
+// the column list, twice by a statement run for its effect).
+TEST_F(MySqlCatalogue, Statements) {
+  Exec({"CREATE TABLE tt (id INT, name TEXT, price DECIMAL(8,2))"});
+  const struct { const char *table, *query, *expected; } cases[] = {
       {"tt", "SELECT price, id AS k FROM tt", "price\rk\r"},
       {"tt", "select id from tt", "id\rname\rprice\r"},  // not upper case: the table's fields
-      {"tt", "SELECTid FROM tt", "id\rname\rprice\r"},
       {"no table", "SELECT 1 AS one, 'x' AS \xC3\xA9t\xC3\xA9", "one\r\xC3\xA9t\xC3\xA9\r"},
-      {"missing", "", "untouched", "missing"},
-      {"tt", "SELECT nope FROM nowhere", "untouched", "nowhere"},
-      {"t", "", "untouched"},
-      {"t", "", "untouched", nullptr, refused.Port()},
+      {"tt", "SELECT nope FROM nowhere", "untouched"},
   };
   for (const auto& c : cases) {
-    alerts.alerts.clear();
     WideString result("untouched");
-    const int status = fetchColumnListSQL(host, c.port ? c.port : port, user, password, database, c.table, c.query,
-                                          result);
-    EXPECT_EQ(status, std::string(c.expected) == "untouched" ? 1 : 0) << c.table << " " << c.query;
-    EXPECT_EQ(result.ToUTF8(), c.expected) << c.table << " " << c.query;
-    ASSERT_EQ(alerts.alerts.size(), c.named ? 1U : 0U) << c.table;
-    if (c.named) {
-      EXPECT_NE(alerts.alerts[0].find(c.named), std::string::npos) << alerts.alerts[0];
-    }
+    EXPECT_EQ(fetchColumnListSQL(host, port, user, password, database, c.table, c.query, result),
+              std::string(c.expected) == "untouched" ? 1 : 0);
+    EXPECT_EQ(result.ToUTF8(), c.expected) << c.query;
   }
-}
-
-// A rejected statement is shown twice.
-TEST_F(SqlCatalogue, ConnectWithInfoRunsTheStatementAndDiscardsRows) {
-  Exec("CREATE TABLE t (id INT)");
-  EXPECT_EQ(ConnectWithInfoSQL("INSERT INTO t VALUES (7), (8)", host, port, user, password, database, ""), 0);
-  EXPECT_EQ(ConnectWithInfoSQL("SELECT * FROM t", host, port, user, password, database, ""), 0);
-  EXPECT_EQ(Rows("SELECT id FROM t ORDER BY id"), (std::vector<std::string>{"7", "8"}));
-  EXPECT_TRUE(alerts.alerts.empty());
+  EXPECT_EQ(ConnectWithInfoSQL("INSERT INTO tt (id) VALUES (7), (8)", host, port, user, password, database, ""), 0);
+  EXPECT_EQ(ConnectWithInfoSQL("SELECT * FROM tt", host, port, user, password, database, ""), 0);
+  EXPECT_EQ(Rows("SELECT id FROM tt ORDER BY id"), (std::vector<std::string>{"7", "8"}));
   EXPECT_EQ(ConnectWithInfoSQL("DROP TABLE nowhere", host, port, user, password, database, "ignored"), 0);
-  ASSERT_EQ(alerts.alerts.size(), 2U);
+  ASSERT_EQ(alerts.alerts.size(), 3U);
   EXPECT_NE(alerts.alerts[0].find("nowhere"), std::string::npos) << alerts.alerts[0];
-  EXPECT_EQ(alerts.alerts[1], alerts.alerts[0]);
-}
-
-// Failures across the catalogue: status, alerts, output left alone.
-class SqlFailures : public test::MySqlTest {};
-
-// A refused port, a wrong password and an unknown database fail the connect:
-// only the database list says so.
-TEST_F(SqlFailures, FailedConnect) {
-  const test::RefusingPort refused;
-  const struct { int port; const char *password, *database; } cases[] = {
-      {refused.Port(), nullptr, nullptr}, {port, "not-the-password", nullptr}, {port, nullptr, "no_such_db"}};
-  for (const auto& c : cases) {
-    alerts.alerts.clear();
-    const PMString secret = c.password ? PMString(c.password) : password;
-    const PMString base = c.database ? PMString(c.database) : database;
-    WideString databases;  // the database list names no database: it connects there
-    EXPECT_EQ(fetchDatabaseListSQL(host, c.port, user, secret, databases), c.database ? 0 : 1);
-    WideString result("untouched");
-    EXPECT_EQ(fetchTableListSQL(host, c.port, user, secret, base, result), 1);
-    EXPECT_EQ(fetchColumnListSQL(host, c.port, user, secret, base, "tt", "", result), 0);
-    EXPECT_EQ(ConnectWithInfoSQL("SELECT 1", host, c.port, user, secret, base, ""), 0);
-    EXPECT_EQ(result.ToUTF8(), "untouched");
-    EXPECT_EQ(alerts.alerts, std::vector<std::string>(c.database ? 0 : 1, "NOT CONNECTED TO BASE"));
-  }
+  EXPECT_EQ(alerts.alerts[2], alerts.alerts[1]);
 }
 
 // The client library overruns a buffer with table names of some 350 bytes
 // and more; such names must not reach it.
-TEST_F(SqlFailures, LongNamesAreRefusedNotOverrun) {
+TEST_F(MySqlCatalogue, LongNamesAreRefusedNotOverrun) {
   const std::string longName(1000, 'x');
   WideString result("untouched");
   EXPECT_EQ(fetchDatabaseListSQL(host, port, PMString(longName), PMString(longName), result), 1);
@@ -120,7 +188,7 @@ TEST_F(SqlFailures, LongNamesAreRefusedNotOverrun) {
 }
 
 // A peer that is no MySQL server, or a broken one, is a failed connect.
-TEST(SqlHostilePeer, IsAFailedConnect) {
+TEST(MySqlHostilePeer, IsAFailedConnect) {
   const std::string packetHeaderOnly("\x4a\x00\x00\x00\x0a", 5);  // a greeting cut short
   const std::string hugePacket("\xff\xff\xff\x00\x0a5.5.5", 10);
   const std::string errorPacket("\x17\x00\x00\x00\xff\x10\x04Too many connections", 27);

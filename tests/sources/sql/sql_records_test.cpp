@@ -1,57 +1,114 @@
 #include <gtest/gtest.h>
 
+#include "database_fixture.h"
 #include "loopback_server.h"
-#include "mysql_fixture.h"
+#include "sources/odbc/odbc_base.h"
 #include "sources/sql/sql_base.h"
 
 namespace talp {
 namespace {
 
 // Every output starts as "untouched", to show what a failure leaves.
-class SqlRecords : public test::MySqlTest {
+class SqlRecords : public test::SourceTest {
  protected:
   void SetUp() override {
-    MySqlTest::SetUp();
+    SourceTest::SetUp();
     if (HasFatalFailure()) return;  // no server: the failure says why
-    Exec("CREATE TABLE goods (id INT PRIMARY KEY, name TEXT, cat TEXT, note TEXT);"
-         "INSERT INTO goods VALUES (1, 'Hammer', 'tools', NULL), (2, 'Drill', 'tools', 'two\\r\\nlines'),"
-         "(3, 'Screws', 'fasteners', 'a\\tb'), (4, 'Box \xF0\x9F\x93\xA6', 'fasteners', '')");
+    Exec({"CREATE TABLE goods (id INT PRIMARY KEY, name TEXT, cat TEXT, note TEXT)",
+          "INSERT INTO goods VALUES (1, 'Hammer', 'tools', NULL), (2, 'Drill', 'tools', 'two\r\nlines'),"
+          "(3, 'Screws', 'fasteners', 'a\tb'), (4, 'Box \xF0\x9F\x93\xA6', 'fasteners', '')"});
   }
 };
+ON_EVERY_SOURCE(SqlRecords);
 
-TEST_F(SqlRecords, RecordListLayout) {
-  const struct { const char *sort, *shown, *search, *group, *expected; } cases[] = {
-      {"id", "name", "", "", "Hammer\t1\t\rDrill\t2\t\rScrews\t3\t\rBox \xF0\x9F\x93\xA6\t4\t\r"},
-      {"id", "note", "", "", "NULL\t1\t\rtwo\r\nlines\t2\t\ra\tb\t3\t\r\t4\t\r"},
-      {"id", "name", "ill", "", "Drill\t2\t\r"},
-      {"id", "name", "WHERE cat='tools'", "", "Hammer\t1\t\rDrill\t2\t\r"},
-      {"name", "id", "", "", "4\tBox \xF0\x9F\x93\xA6\t\r2\tDrill\t\r1\tHammer\t\r3\tScrews\t\r"},
-      {"cat", "cat", "", "cat", "fasteners\tfasteners\t\rtools\ttools\t\r"},
-      {"id", "name", "", "None", "Hammer\t1\t\rDrill\t2\t\rScrews\t3\t\rBox \xF0\x9F\x93\xA6\t4\t\r"},
-      // Failures leave the output alone and say nothing; the unescaped quote breaks the statement.
-      {"id", "nope", "", "", "untouched"},
-      {"id", "name", "o'brien", "", "untouched"},
+// MySQL shows NULL as "NULL"; through ODBC a NULL repeats the value read
+// before it, in its row or the row before (empty before the first).
+TEST_P(SqlRecords, RecordListLayout) {
+  const std::string longValue = "SELECT '" + std::string(5000, 'x') + "', id FROM goods WHERE id=1";
+  const std::string cut = std::string(4095, 'x') + "\t1\t\r";
+  const struct { const char *sort, *shown, *search, *group, *mysql, *odbc; } cases[] = {
+      {"id", "name", "", "", "Hammer\t1\t\rDrill\t2\t\rScrews\t3\t\rBox \xF0\x9F\x93\xA6\t4\t\r", nullptr},
+      {"id", "note", "", "", "NULL\t1\t\rtwo\r\nlines\t2\t\ra\tb\t3\t\r\t4\t\r",
+       "\t1\t\rtwo\r\nlines\t2\t\ra\tb\t3\t\r\t4\t\r"},
+      {"id", "name", "ill", "", "Drill\t2\t\r", nullptr},
+      {"id", "name", "WHERE cat='tools'", "", "Hammer\t1\t\rDrill\t2\t\r", nullptr},
+      {"name", "id", "", "", "4\tBox \xF0\x9F\x93\xA6\t\r2\tDrill\t\r1\tHammer\t\r3\tScrews\t\r", nullptr},
+      {"cat", "cat", "", "cat", "fasteners\tfasteners\t\rtools\ttools\t\r", nullptr},
+      {"id", "name", "", "None", "Hammer\t1\t\rDrill\t2\t\rScrews\t3\t\rBox \xF0\x9F\x93\xA6\t4\t\r", nullptr},
+      // Through ODBC a whole statement runs as it stands; MySQL appends it and fails.
+      {"id", "note", "SELECT note, id, note FROM goods WHERE id<3 ORDER BY id DESC", "", "untouched",
+       "two\r\nlines\t2\ttwo\r\nlines\t\rtwo\r\nlines\t1\t1\t\r"},
+      // Values are read into a buffer of 4096 bytes: longer ones are cut.
+      {"id", "name", longValue.c_str(), "", "untouched", cut.c_str()},
+      // The last column is not searched through ODBC.
+      {"id", "name", "a\tb", "", "Screws\t3\t\r", ""},
+      // Failures say nothing; the unescaped quote breaks the statement.
+      {"id", "nope", "", "", "untouched", ""},
+      {"id", "name", "o'brien", "", "untouched", ""},
   };
   for (const auto& c : cases) {
     WideString result("untouched");
-    EXPECT_EQ(fetchRecordListSQL(host, port, user, password, database, "goods", c.sort, c.shown, c.search, c.group,
-                                 result),
-              0);
-    EXPECT_EQ(result.ToUTF8(), c.expected) << c.shown << " " << c.search;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(List("goods", c.sort, c.shown, c.search, c.group, result), 0);
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(result.ToUTF8(), Pick(c.mysql, c.odbc ? c.odbc : c.mysql)) << c.shown << " " << c.search;
   }
   EXPECT_TRUE(alerts.alerts.empty());
 }
 
-TEST_F(SqlRecords, RecordListStopsAt200Rows) {
-  Exec("CREATE TABLE many (id INT PRIMARY KEY, v TEXT); INSERT INTO many SELECT seq, 'x' FROM seq_1_to_500");
+TEST_P(SqlRecords, RecordListStopsAt200Rows) {
+  std::string insert = "INSERT INTO goods (id, name) VALUES (100, 'x')";
+  for (int i = 101; i < 600; ++i) insert += ", (" + std::to_string(i) + ", 'x')";
+  Exec({insert});
   WideString result;
-  fetchRecordListSQL(host, port, user, password, database, "many", "id", "v", "", "", result);
+  List("goods", "id", "name", "", "", result);
   const std::string text = result.ToUTF8();
   EXPECT_EQ(std::count(text.begin(), text.end(), '\r'), 200);
-  EXPECT_TRUE(text.ends_with("x\t200\t\r"));
+  EXPECT_TRUE(text.ends_with("x\t295\t\r")) << text.substr(text.size() - 20);
 }
 
-TEST_F(SqlRecords, LoopLayout) {
+// Values of a record are protected: MySQL keeps line feeds, ODBC writes "<sr>".
+TEST_P(SqlRecords, SpecificRecordHasOneValuePerLineThenItsGroup) {
+  const char* styling =
+      "<?xml version=\"1.0\"?><Process><OutputField>label</OutputField><ProcessType>Concatenate</ProcessType>"
+      "<ProcessInfo>[name] ([cat])</ProcessInfo></Process>";
+  const struct { const char *key, *value, *mysql, *odbc, *group = "", *layout = "", *styling = ""; } cases[] = {
+      {"id", "2", "2\rDrill\rtools\rtwo<br>\nlines\r", "2\rDrill\rtools\rtwo<br><sr>lines\r"},
+      {"name", "Box \xF0\x9F\x93\xA6", "4\rBox \xF0\x9F\x93\xA6\rfasteners\r\r", nullptr},
+      {"id", "99", "", nullptr},
+      {"name", "o'brien", "untouched", ""},
+      {"id", "1", "1\rHammer\rtools\r\r", "1\rHammer\rtools\rtools\r", "None"},
+      {"id", "1", "1\rHammer\rtools\r\rHammer (tools)\r", "1\rHammer\rtools\rtools\rHammer (tools)\r", "", "",
+       styling},
+      // The other records of the group, light and dark in turn, then their count.
+      {"id", "3", "3\rScrews\rfasteners\ra<tb>b\r<pstyle:LineLight>Screws/3<br><pstyle:LineDark>Box \xF0\x9F\x93\xA6"
+                  "/4\r2\r", nullptr, "cat", "[name]/[id]"},
+      // Without a line layout each row shows its fields.
+      {"id", "1", "1\rHammer\rtools\r\r<pstyle:LineLight>1\tHammer\ttools\t\t<br><pstyle:LineDark>"
+                  "2\tDrill\ttools\ttwo<br>\nlines\t\r2\r",
+       "1\rHammer\rtools\rtools\r<pstyle:LineLight>1\tHammer\ttools\ttools\t<br><pstyle:LineDark>"
+       "2\tDrill\ttools\ttwo<br><sr>lines\t\r2\r", "cat"},
+  };
+  for (const auto& c : cases) {
+    WideString result("untouched");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(Record("goods", c.key, c.value, c.group, c.layout, c.styling, result), 0);
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(result.ToUTF8(), Pick(c.mysql, c.odbc ? c.odbc : c.mysql)) << c.key << "=" << c.value << " " << c.group;
+  }
+}
+
+TEST_P(SqlRecords, CharactersBeyondTheBasicPlaneSurviveBothWays) {
+  const WideString value("\xF0\x9F\x8E\xB8 \xF0\x9D\x84\x9E");
+  EXPECT_EQ(Update(value, "note", "3", "goods", "id"), 0);
+  EXPECT_EQ(Rows("SELECT note FROM goods WHERE id=3"), std::vector<std::string>{"\xF0\x9F\x8E\xB8 \xF0\x9D\x84\x9E"});
+  WideString result;
+  List("goods", "id", "note", "WHERE id=3", "", result);
+  EXPECT_EQ(result.ToUTF8(), "\xF0\x9F\x8E\xB8 \xF0\x9D\x84\x9E\t3\t\r");
+}
+
+// The record loop is MySQL's: ODBC offers none.
+TEST_P(SqlRecords, Loop) {
   const test::RefusingPort refused;
   const struct { const char *condition, *expected; int status = 0, port = 0; } cases[] = {
       {"WHERE id<3", "1\tHammer\ttools\t\t\r2\tDrill\ttools\ttwo\nlines\t\r"},
@@ -64,48 +121,16 @@ TEST_F(SqlRecords, LoopLayout) {
   };
   for (const auto& c : cases) {
     WideString result("untouched");
+    if (Odbc()) {
+      EXPECT_EQ(fetchRecordLoopODBC(user, password, dsn, "goods", result, c.condition), 1);
+      EXPECT_EQ(result.ToUTF8(), "untouched");
+      continue;
+    }
     EXPECT_EQ(fetchRecordLoopSQL(host, c.port ? c.port : port, user, password, database, "goods", result, c.condition),
               c.status);
     EXPECT_EQ(result.ToUTF8(), c.expected) << c.condition;
   }
   EXPECT_TRUE(alerts.alerts.empty());
-}
-
-TEST_F(SqlRecords, SpecificRecordHasOneValuePerLineThenItsGroup) {
-  const char* styling =
-      "<?xml version=\"1.0\"?><Process><OutputField>label</OutputField><ProcessType>Concatenate</ProcessType>"
-      "<ProcessInfo>[name] ([cat])</ProcessInfo></Process>";
-  const struct { const char *key, *value, *expected, *group = "", *layout = "", *styling = ""; } cases[] = {
-      {"id", "2", "2\rDrill\rtools\rtwo<br>\nlines\r"},
-      {"name", "Box \xF0\x9F\x93\xA6", "4\rBox \xF0\x9F\x93\xA6\rfasteners\r\r"},
-      {"id", "99", ""},
-      {"name", "o'brien", "untouched"},
-      {"id", "1", "1\rHammer\rtools\r\r", "None"},  // NULL: nothing, but its CR
-      {"id", "1", "1\rHammer\rtools\r\rHammer (tools)\r", "", "", styling},
-      // The other records of the group, light and dark in turn, then their count.
-      {"id", "3", "3\rScrews\rfasteners\ra<tb>b\r<pstyle:LineLight>Screws/3<br><pstyle:LineDark>Box \xF0\x9F\x93\xA6"
-                  "/4\r2\r", "cat", "[name]/[id]"},
-      // Without a line layout each row shows its fields.
-      {"id", "1", "1\rHammer\rtools\r\r<pstyle:LineLight>1\tHammer\ttools\t\t<br><pstyle:LineDark>"
-                  "2\tDrill\ttools\ttwo<br>\nlines\t\r2\r", "cat"},
-  };
-  for (const auto& c : cases) {
-    WideString result("untouched");
-    EXPECT_EQ(fetchSpecificRecordSQL(host, port, user, password, database, "goods", c.key, c.value, c.group, c.layout,
-                                     c.styling, result),
-              0);
-    EXPECT_EQ(result.ToUTF8(), c.expected) << c.key << "=" << c.value << " " << c.group;
-  }
-}
-
-TEST_F(SqlRecords, CharactersBeyondTheBasicPlaneSurviveBothWays) {
-  Exec("CREATE TABLE emoji (id INT PRIMARY KEY, v TEXT) CHARACTER SET utf8mb4; INSERT INTO emoji VALUES (1, '')");
-  const WideString value("\xF0\x9F\x8E\xB8 \xF0\x9D\x84\x9E");
-  EXPECT_EQ(updateBaseFieldWithInfoSQL(value, "v", "1", host, port, user, password, database, "emoji", "id"), 0);
-  EXPECT_EQ(Rows("SELECT v FROM emoji"), std::vector<std::string>{"\xF0\x9F\x8E\xB8 \xF0\x9D\x84\x9E"});
-  WideString result;
-  fetchRecordLoopSQL(host, port, user, password, database, "emoji", result, "");
-  EXPECT_EQ(result.ToUTF8(), "1\t\xF0\x9F\x8E\xB8 \xF0\x9D\x84\x9E\t\r");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // Host services for tests: alerts are recorded instead of shown, a process
 // exit throws ProcessExit instead of ending the test run, files are the
-// platform's (or bytes in memory), and a script runner can be supplied.
+// platform's (or bytes in memory), scripts run in the platform's runner
+// unless another one is supplied.
 // Installs itself for its lifetime.
 #pragma once
 
@@ -26,7 +27,7 @@ class TestHost : public host::PlatformHostServices {
   void InformationAlert(const PMString& message) override { alerts.push_back(message.GrabCString()); }
   [[noreturn]] void ExitProcess(int status) override { throw ProcessExit{status}; }
   std::unique_ptr<host::IScriptRunner> FindScriptRunner(const PMString& scriptPath) override {
-    return scriptRunnerFactory ? scriptRunnerFactory(scriptPath) : nullptr;
+    return scriptRunnerFactory ? scriptRunnerFactory(scriptPath) : PlatformHostServices::FindScriptRunner(scriptPath);
   }
   PMString LocalizedDecimal() const override { return localizedDecimal; }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
+#include <string>
 #include <string_view>
 
 #include "talp/host_services.h"
@@ -47,6 +49,21 @@ constexpr std::array<FieldOption, 15> kFieldOptions = {{
 
 constexpr std::array<std::string_view, 11> kOwnTextOptions = {
     "styling", "search", "where", "query", "field", "key-value", "extra", "filepath-value", "name", "header", "record"};
+
+// A script limit: a number above 0 and at most max, the whole text.
+bool ReadLimit(const std::string& option, const std::string& text, double max, double& value, std::string& error) {
+  std::size_t used = 0;
+  try {
+    value = std::stod(text, &used);
+  } catch (const std::exception&) {
+    used = 0;
+  }
+  if (used == 0 || used != text.size() || !(value > 0 && value <= max)) {
+    error = "--" + option + " needs a number above 0 and at most " + std::to_string(static_cast<long>(max));
+    return false;
+  }
+  return true;
+}
 
 std::vector<std::string> SplitFields(const std::string& descriptor) {
   std::vector<std::string> fields;
@@ -123,7 +140,8 @@ ParseResult ParseOptions(const std::vector<std::string>& args, const char* envPa
     const auto field = std::find_if(kFieldOptions.begin(), kFieldOptions.end(),
                                     [&](const FieldOption& f) { return f.name == name; });
     const bool isOwn = std::find(kOwnTextOptions.begin(), kOwnTextOptions.end(), name) != kOwnTextOptions.end();
-    if (name.empty() || (name != "descriptor" && field == kFieldOptions.end() && !isOwn)) {
+    const bool isLimit = name == "script-time-limit" || name == "script-memory-limit";
+    if (name.empty() || (name != "descriptor" && field == kFieldOptions.end() && !isOwn && !isLimit)) {
       error = "unknown option '" + arg + "'";
       break;
     }
@@ -133,6 +151,17 @@ ParseResult ParseOptions(const std::vector<std::string>& args, const char* envPa
         break;
       }
       value = args[++i];
+    }
+    if (isLimit) {
+      double limit = 0;
+      const bool seconds = name == "script-time-limit";
+      if (!ReadLimit(name, *value, seconds ? 1e6 : 1 << 20, limit, error)) break;
+      if (seconds) {
+        options.scriptSeconds = limit;
+      } else {
+        options.scriptMegabytes = static_cast<std::uint64_t>(limit);
+      }
+      continue;
     }
     if (name != "port" && !ResolveText(name, *value, error)) break;
     if (name == "descriptor") {
@@ -222,6 +251,10 @@ Output:
   --utf16                   the result as UTF-16LE, without byte-order mark
   --pretty                  records per line, fields in aligned columns
                             (default: --pretty on a terminal, --raw otherwise)
+
+Scripts (".js" and ".jsx" files of the "Custom" source and of "Script" processes):
+  --script-time-limit SECONDS   how long one run may take (default 10)
+  --script-memory-limit MB      how much memory its engine may hold (default 256)
 
 Alerts go to standard error as 'alert: MESSAGE'. The exit status is the
 operation's status (0 where it has none), 2 for a usage error.

@@ -2,6 +2,7 @@
 // connection descriptor and the output mode.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -17,6 +18,9 @@ struct Options {
   std::string descriptor;              // raw descriptor with named fields applied
   std::map<std::string, std::string> texts;  // the operation's own options, by long name
   OutputMode output = OutputMode::kAuto;
+  // The host settings for scripts, when given.
+  std::optional<double> scriptSeconds;
+  std::optional<std::uint64_t> scriptMegabytes;
   bool help = false;
 };
 

@@ -4,6 +4,7 @@
 
 #include "host/unit_search.h"
 #include "options.h"
+#include "talp/host_services.h"
 #include "output.h"
 #include "text/record_template.h"
 #include "text/search_replace.h"
@@ -122,6 +123,10 @@ int RunTalp(ITALPRemote& remote, const std::vector<std::string>& args, std::ostr
     return 2;
   }
   const Options& options = parsed.options;
+  host::ScriptLimits limits = host::Host().GetScriptLimits();
+  if (options.scriptSeconds) limits.seconds = *options.scriptSeconds;
+  if (options.scriptMegabytes) limits.megabytes = *options.scriptMegabytes;
+  host::Host().SetScriptLimits(limits);
   const Invocation call{options, PMString(options.descriptor)};
   WideString result;
   bool hasResult = false;

@@ -6,6 +6,8 @@
 // for this platform (alerts on standard error, real exit, POSIX files, a
 // JavaScript runner). Install another with ScopedHostServices; the services
 // object itself must outlive its installation. Installing is not thread-safe.
+// The platform's services may be called from several threads at once; their
+// script arguments are per thread.
 #pragma once
 
 #include <cstddef>

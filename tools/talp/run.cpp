@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "host/script_runner.h"
 #include "host/unit_search.h"
 #include "options.h"
 #include "talp/host_services.h"
@@ -31,6 +32,7 @@ struct Invocation {
 // The computed fields of a styling document as "name TAB value" lines, for a
 // record given as text or one fetched from the descriptor's source.
 int StyleRecord(ITALPRemote& remote, const Invocation& call, WideString& result) {
+  const host::ScriptScope scripts;  // one operation: its scripts share a session
   const WideString styling = call.WideText("styling");
   std::u16string header, fields;
   int status = 0;

@@ -13,6 +13,7 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <set>
 #include <string>
@@ -43,6 +44,10 @@ class ScriptProcess {
   // After kTimedOut or kStopped the process is of no more use: drop it.
   Outcome Run(const std::string& path, const std::string& source, ScriptValues& arguments,
               std::uint64_t memoryLimit, double seconds, std::string& reason);
+
+  // How many runs, since the program started, ended with kStopped: a fault
+  // in the engine or in the code around it. For the fuzzer.
+  static std::uint64_t StoppedRuns();
 
  private:
   ScriptProcess(pid_t pid, UniqueFd socket) : pid_(pid), socket_(std::move(socket)) {}

@@ -10,6 +10,7 @@
 #include "progress.h"
 #include "run.h"
 #include "temp_folder.h"
+#include "test_host.h"
 
 namespace talp::cli {
 namespace {
@@ -130,6 +131,8 @@ TEST(TalpUsageErrors, ExitWithTwoAndAReason) {
       {{"columns", "--where", "x"}, "option --where does not apply to 'columns'"},
       {{"tables", "--table", "a;b"}, "the value of --table cannot hold ';', which separates descriptor fields"},
       {{"loop", "--where", "@/no/such/file"}, "cannot read the file '/no/such/file' given to --where"},
+      {{"loop", "--script-time-limit", "0"}, "--script-time-limit needs a number above 0 and at most 1000000"},
+      {{"loop", "--script-memory-limit=2x"}, "--script-memory-limit needs a number above 0 and at most 1048576"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.reason);
@@ -139,6 +142,13 @@ TEST(TalpUsageErrors, ExitWithTwoAndAReason) {
     EXPECT_TRUE(run.calls.empty());
     EXPECT_EQ(run.out, "");
   }
+}
+
+TEST(TalpScriptLimits, SetTheHostSettings) {
+  test::TestHost host;
+  EXPECT_EQ(Talp({"loop", "--script-time-limit", "0.5", "--script-memory-limit=64"}).calls.size(), 1u);
+  EXPECT_EQ(host.GetScriptLimits().seconds, 0.5);
+  EXPECT_EQ(host.GetScriptLimits().megabytes, 64u);
 }
 
 TEST(TalpOptionFiles, AtReadsTheFileExactly) {

@@ -1,6 +1,7 @@
 #include "host/script_process.h"
 
 #include <signal.h>
+#include <spawn.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/time.h>
@@ -11,6 +12,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <optional>
@@ -237,22 +239,32 @@ std::unique_ptr<ScriptProcess> ScriptProcess::Start() {
   int ends[2];
   if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return nullptr;
   UniqueFd ours(ends[0]), theirs(ends[1]);
-  const pid_t parent = ::getpid();
-  const pid_t pid = ::fork();
-  if (pid < 0) return nullptr;
-  if (pid == 0) {
-    // The process must not outlive the thread that started it, even when
-    // that thread's process dies without ending it.
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (::getppid() != parent) ::_exit(0);
-    // Only its own end stays open: the host's files and sockets, and the
-    // other sessions' sockets, are none of its business.
-    const int socket = theirs.Get();
-    if (socket > 3) ::close_range(3, static_cast<unsigned>(socket) - 1, 0);
-    ::close_range(static_cast<unsigned>(socket) + 1, ~0U, 0);
-    Serve(socket);
-  }
+  const char* override = std::getenv("TALP_SCRIPT_HOST");
+  const std::string program = override != nullptr && *override != '\0' ? override : TALP_SCRIPT_HOST_PATH;
+  const std::string parent = std::to_string(::getpid());
+  // Spawned, not forked: a copy of a host with threads could inherit a lock
+  // that another thread held (in the allocator, say) and wait for it forever.
+  // The program gets its end of the socket pair as descriptor 3.
+  posix_spawn_file_actions_t actions;
+  if (::posix_spawn_file_actions_init(&actions) != 0) return nullptr;
+  ::posix_spawn_file_actions_adddup2(&actions, theirs.Get(), kScriptSocket);
+  char* argv[] = {const_cast<char*>(program.c_str()), const_cast<char*>(parent.c_str()), nullptr};
+  pid_t pid = -1;
+  const int spawned = ::posix_spawn(&pid, program.c_str(), &actions, nullptr, argv, environ);
+  ::posix_spawn_file_actions_destroy(&actions);
+  if (spawned != 0) return nullptr;
   return std::unique_ptr<ScriptProcess>(new ScriptProcess(pid, std::move(ours)));
+}
+
+void ServeScripts(const char* parent) {
+  // The process must not outlive the thread that started it, even when that
+  // thread's process dies without ending it.
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (parent == nullptr || std::to_string(::getppid()) != parent) ::_exit(0);
+  // Only its own end stays open: whatever else the host left open is none
+  // of its business.
+  ::close_range(kScriptSocket + 1, ~0U, 0);
+  Serve(kScriptSocket);
 }
 
 std::uint64_t ScriptProcess::StoppedRuns() { return stoppedRuns; }

@@ -7,6 +7,8 @@
 // process down. A run costs a round trip over a socket pair, a few
 // microseconds; the engines stay in the process from run to run.
 //
+// The process runs the program talp-script-host (its path is fixed when the
+// library is built; the environment variable TALP_SCRIPT_HOST names another).
 // One object belongs to one thread at a time.
 #pragma once
 
@@ -22,6 +24,14 @@
 #include "host/unique_fd.h"
 
 namespace talp::host {
+
+// The descriptor on which the script process finds its socket.
+inline constexpr int kScriptSocket = 3;
+
+// The script process's work: answers run requests on kScriptSocket until
+// the socket closes, then ends the process. parent: the process id that
+// started it, as text; a process whose parent is already another one ends.
+[[noreturn]] void ServeScripts(const char* parent);
 
 class ScriptProcess {
  public:

@@ -22,34 +22,28 @@ class CustomSource {
     descriptor_ = PMString(";;;;;;sku;;;Custom;;;;" + groupField + ";" + contents + ";" + columnQuery + ";;;" +
                            folder_.Path("s.js").GrabCString() + ";;cat");
   }
-  std::string Columns() {
-    WideString result("old");
-    remote_.GetColumnList(descriptor_, WideString(), result);
-    return result.ToUTF8();
-  }
+  std::string Columns() { return Call(WideString("old"), [&](WideString& r) { remote_.GetColumnList(descriptor_, {}, r); }); }
   std::string Loop(const std::string& where, const std::string& before = "") {
-    WideString result(before);
-    remote_.GetRecordLoop(descriptor_, result, PMString(where));
-    return result.ToUTF8();
+    return Call(WideString(before), [&](WideString& r) { remote_.GetRecordLoop(descriptor_, r, PMString(where)); });
   }
   std::string Record(const std::string& key, const std::string& before = "") {
-    WideString result(before);
-    remote_.GetSpecificRecord(descriptor_, PMString(key), WideString(), result);
-    return result.ToUTF8();
+    return Call(WideString(before), [&](WideString& r) { remote_.GetSpecificRecord(descriptor_, PMString(key), {}, r); });
   }
   std::string Group(const std::string& query, const std::string& before = "") {
-    WideString result(before);
-    remote_.GetGroupDataLoop(descriptor_, WideString(), result, PMString(query));
-    return result.ToUTF8();
+    return Call(WideString(before), [&](WideString& r) { remote_.GetGroupDataLoop(descriptor_, {}, r, PMString(query)); });
   }
   std::string List(const std::string& search) {
-    WideString result;
-    remote_.GetRecordList(descriptor_, result, PMString(search), 0);
-    return result.ToUTF8();
+    return Call(WideString(), [&](WideString& r) { remote_.GetRecordList(descriptor_, r, PMString(search), 0); });
   }
   std::string Path() const { return folder_.Path("s.js").GrabCString(); }
 
  private:
+  template <typename Operation>
+  static std::string Call(WideString result, const Operation& operation) {
+    operation(result);
+    return result.ToUTF8();
+  }
+
   test::TempFolder folder_;
   PMString descriptor_;
   TALPRemote remote_;

@@ -7,7 +7,7 @@ JOBS       ?= $(shell nproc)
 MYSQL_DIR  ?= /tmp/talp-mariadb
 ODBC_DIR   ?= /tmp/talp-odbc
 
-.PHONY: all deps build demo test test-asan fuzz bench scale mysql-scale odbc-scale clean mysql-server mysql-server-stop \
+.PHONY: all deps build demo test test-asan fuzz bench scale script-scale mysql-scale odbc-scale clean mysql-server mysql-server-stop \
         odbc-dsn odbc-dsn-stop
 
 all: build
@@ -54,7 +54,7 @@ test-asan: deps
 fuzz:
 	scripts/install-deps.sh clang libclang-rt-14-dev
 	CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTALP_FUZZ=ON -DTALP_SANITIZE=ON
-	cmake --build $(FUZZ_BUILD) -j $(JOBS) --target text_engine_fuzz file_data_fuzz record_filter_fuzz xml_table_fuzz if_string_fuzz word_styling_fuzz parse_url_fuzz
+	cmake --build $(FUZZ_BUILD) -j $(JOBS) --target text_engine_fuzz file_data_fuzz record_filter_fuzz xml_table_fuzz if_string_fuzz word_styling_fuzz parse_url_fuzz script_runner_fuzz
 
 bench: deps
 	cmake -S . -B build-release -G Ninja -DCMAKE_BUILD_TYPE=Release
@@ -67,6 +67,14 @@ scale:
 	cmake -S . -B build-release -G Ninja -DCMAKE_BUILD_TYPE=Release
 	cmake --build build-release -j $(JOBS) --target talp
 	bench/scale.sh build-release
+
+# Scripts at scale: a data script against the bare duk interpreter, and a "Script" process
+# on every record of a File group loop.
+script-scale:
+	scripts/install-deps.sh python3 bc duktape
+	cmake -S . -B build-release -G Ninja -DCMAKE_BUILD_TYPE=Release
+	cmake --build build-release -j $(JOBS) --target talp
+	bench/script_scale.sh build-release
 
 # talp's "mySQL" source against the mariadb client and the bare client library, on a
 # million-row table of a throw-away server.

@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
 # Shows talp at work on the bundled example catalogues: for each file form the
-# column list, a filtered loop and one record; then the same catalogue in a
-# throw-away MariaDB server through the mySQL source, and through the SQLite
-# ODBC driver with every operation of the ODBC source.
+# column list, a filtered loop and one record; word styling (with a "Script"
+# process); the catalogue served by a data script through the Custom source;
+# then the same catalogue in a throw-away MariaDB server through the mySQL
+# source, and through the SQLite ODBC driver with every operation of the ODBC
+# source.
 set -euo pipefail
 
 talp=${1:?usage: demo.sh PATH_TO_TALP}
@@ -35,6 +37,15 @@ run style 1005 --styling @examples/styling.xml --type File --file examples/catal
 echo
 echo "=== the group loop: tools and fasteners grouped by category"
 run group --type File --file examples/catalogue-comma.csv --group category --contents "[name]" --query "where category LIKE '%s'"
+
+echo
+echo "=== the Custom source: a data script serves the catalogue (its DataQuery is a search word)"
+source=(--type Custom --script examples/catalogue-script.js --key sku)
+run columns "${source[@]}"
+run loop "${source[@]}" --where paint
+run record 1005 "${source[@]}"
+run list "${source[@]}" --sort price --search safety
+run group "${source[@]}" --group category --contents "[name]" --query "where category LIKE '%s'"
 
 echo
 echo "=== the mySQL source: the example catalogue in a throw-away MariaDB server"

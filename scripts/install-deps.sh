@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(g++ cmake ninja-build pkg-config make libgtest-dev libgmock-dev libbenchmark-dev
           mariadb-server mariadb-client libmariadb-dev
-          unixodbc-dev unixodbc libsqliteodbc odbc-mariadb sqlite3 "$@")
+          unixodbc-dev unixodbc libsqliteodbc odbc-mariadb sqlite3 duktape-dev "$@")
 
 missing=()
 for package in "${packages[@]}"; do

@@ -3,8 +3,8 @@
 //
 // Everything goes through one replaceable HostServices object, so that a real
 // host, the command-line tool or a test can supply its own. The default one is
-// for this platform (alerts on standard error, real exit, POSIX files, no
-// script runner). Install another with ScopedHostServices; the services
+// for this platform (alerts on standard error, real exit, POSIX files, a
+// JavaScript runner). Install another with ScopedHostServices; the services
 // object itself must outlive its installation. Installing is not thread-safe.
 //
 // Threads: the system calls the services only from a thread that runs a
@@ -13,6 +13,7 @@
 // File operations may run on several threads at once, so the file services,
 // the settings, alerts, remarks and Progress must allow concurrent calls. The
 // MySQL and ODBC operations run one at a time.
+// The platform's script arguments are per thread.
 #pragma once
 
 #include <chrono>
@@ -83,7 +84,9 @@ class IScriptRunner {
  public:
   virtual ~IScriptRunner() = default;
   virtual bool CanRunFile(const PMString& scriptPath) = 0;
-  // The outcome of the run is the script's business; nothing is reported.
+  // Runs the file with the host's script arguments. The outcome of the run
+  // is the script's business: nothing is returned, and a run that fails
+  // leaves the arguments as they were before it.
   virtual void RunFile(const PMString& scriptPath) = 0;
 };
 
@@ -95,6 +98,7 @@ class ScriptArgumentStore {
   void Set(const PMString& name, const PMString& value) { values_[name] = value; }
   // The value of name, or an empty text when it is not set.
   PMString Get(const PMString& name) const;
+  const std::map<PMString, PMString>& Values() const { return values_; }
   void Save() { saved_.push_back(values_); }
   void Restore();
   void ClearAll() { values_.clear(); }
@@ -102,6 +106,30 @@ class ScriptArgumentStore {
  private:
   std::map<PMString, PMString> values_;
   std::vector<std::map<PMString, PMString>> saved_;
+};
+
+// Brackets one script run: saves the store's arguments and empties it, so
+// that the run starts with only what its caller sets, and puts them back
+// when it goes, however the run ends.
+class ScriptArgumentsScope {
+ public:
+  explicit ScriptArgumentsScope(ScriptArgumentStore& store) : store_(store) {
+    store_.Save();
+    store_.ClearAll();
+  }
+  ~ScriptArgumentsScope() { store_.Restore(); }
+  ScriptArgumentsScope(const ScriptArgumentsScope&) = delete;
+  ScriptArgumentsScope& operator=(const ScriptArgumentsScope&) = delete;
+
+ private:
+  ScriptArgumentStore& store_;
+};
+
+// The host settings that bound one script run: a run that takes longer, or
+// whose engine needs more memory, fails.
+struct ScriptLimits {
+  double seconds = 10;
+  std::uint64_t megabytes = 256;
 };
 
 class HostServices {
@@ -129,7 +157,10 @@ class HostServices {
 
   // A runner able to run scriptPath, or null when the host has none.
   virtual std::unique_ptr<IScriptRunner> FindScriptRunner(const PMString& scriptPath) = 0;
+  // The store the runners read; the arguments of the calling thread.
   virtual ScriptArgumentStore& ScriptArguments() = 0;
+  const ScriptLimits& GetScriptLimits() const { return scriptLimits_; }
+  void SetScriptLimits(const ScriptLimits& limits) { scriptLimits_ = limits; }
 
   // The host setting "localizedDecimal": the user's decimal separator.
   virtual PMString LocalizedDecimal() const = 0;
@@ -145,13 +176,19 @@ class HostServices {
   // as "records"). Called often, so it must be cheap; hosts may show it. The
   // default shows nothing.
   virtual void Progress(const char* what, std::uint64_t done, std::uint64_t total);
+
+ private:
+  ScriptLimits scriptLimits_;
 };
 
 // The services of this platform: alerts as "alert: MESSAGE" lines on standard
 // error, a real exit, POSIX files (update locks on a lock file beside the data
-// file), no script runner, "." as decimal separator.
+// file), "." as decimal separator, and a JavaScript runner for ".js" and
+// ".jsx" files. Each thread has its own script arguments, so that operations
+// on separate threads never see each other's.
 class PlatformHostServices : public HostServices {
  public:
+  PlatformHostServices();
   void InformationAlert(const PMString& message) override;
   void ExitProcess(int status) override;
   std::unique_ptr<FileReadStream> OpenFileRead(const PMString& path) override;
@@ -160,11 +197,11 @@ class PlatformHostServices : public HostServices {
   bool FileExists(const PMString& path) override;
   FileLockAttempt LockFileForUpdate(const PMString& path, std::chrono::milliseconds wait) override;
   std::unique_ptr<IScriptRunner> FindScriptRunner(const PMString& scriptPath) override;
-  ScriptArgumentStore& ScriptArguments() override { return arguments_; }
+  ScriptArgumentStore& ScriptArguments() override;
   PMString LocalizedDecimal() const override { return "."; }
 
  private:
-  ScriptArgumentStore arguments_;
+  std::uint64_t id_;  // tells the stores of this object from those of earlier ones
 };
 
 // The services in force.

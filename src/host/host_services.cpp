@@ -1,8 +1,11 @@
 #include "talp/host_services.h"
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+
+#include "host/script_runner.h"
 
 namespace talp::host {
 
@@ -36,7 +39,27 @@ void PlatformHostServices::ExitProcess(int status) {
   std::exit(status);
 }
 
-std::unique_ptr<IScriptRunner> PlatformHostServices::FindScriptRunner(const PMString&) { return nullptr; }
+PlatformHostServices::PlatformHostServices() {
+  static std::atomic<std::uint64_t> created{0};
+  id_ = ++created;
+}
+
+ScriptArgumentStore& PlatformHostServices::ScriptArguments() {
+  // A thread's store starts empty for each services object.
+  thread_local struct {
+    std::uint64_t owner = 0;
+    ScriptArgumentStore store;
+  } local;
+  if (local.owner != id_) {
+    local.owner = id_;
+    local.store = ScriptArgumentStore();
+  }
+  return local.store;
+}
+
+std::unique_ptr<IScriptRunner> PlatformHostServices::FindScriptRunner(const PMString& scriptPath) {
+  return FindJavaScriptRunner(scriptPath);
+}
 
 namespace {
 

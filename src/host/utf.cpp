@@ -185,4 +185,71 @@ void EncodeUTF8(std::u16string_view units, std::string& out) {
   out.resize(start + EncodeUTF8To(units, out.data() + start));
 }
 
+void EncodeCESU8(std::u16string_view units, std::string& out) {
+  const std::size_t start = out.size();
+  out.resize(start + units.size() * kMaxUTF8PerUnit);
+  char* dest = out.data() + start;
+  std::size_t i = 0;
+  while (i < units.size()) {
+    const std::size_t ascii = host::NarrowAsciiBlocks(units.data() + i, units.size() - i, dest);
+    i += ascii;
+    dest += ascii;
+    if (i >= units.size()) break;
+    const char16_t u = units[i++];
+    if (u < 0x80) {
+      *dest++ = static_cast<char>(u);
+    } else if (u < 0x800) {
+      *dest++ = static_cast<char>(0xC0 | (u >> 6));
+      *dest++ = static_cast<char>(0x80 | (u & 0x3F));
+    } else {
+      *dest++ = static_cast<char>(0xE0 | (u >> 12));
+      *dest++ = static_cast<char>(0x80 | ((u >> 6) & 0x3F));
+      *dest++ = static_cast<char>(0x80 | (u & 0x3F));
+    }
+  }
+  out.resize(static_cast<std::size_t>(dest - out.data()));
+}
+
+void DecodeCESU8(std::string_view bytes, std::u16string& out) {
+  // Never more units than bytes: size once, write through a pointer, trim.
+  const std::size_t start = out.size();
+  out.resize(start + bytes.size());
+  char16_t* const first = out.data() + start;
+  char16_t* dest = first;
+  const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
+  const std::size_t n = bytes.size();
+  const auto continuation = [&](std::size_t at) { return at < n && (in[at] & 0xC0) == 0x80; };
+  std::size_t i = 0;
+  while (i < n) {
+    const std::size_t ascii = host::WidenAsciiBlocks(in + i, n - i, dest);
+    i += ascii;
+    dest += ascii;
+    if (i >= n) break;
+    const unsigned char lead = in[i];
+    if (lead < 0x80) {
+      *dest++ = lead;
+      ++i;
+    } else if (lead >= 0xC2 && lead <= 0xDF && continuation(i + 1)) {
+      *dest++ = static_cast<char16_t>(((lead & 0x1F) << 6) | (in[i + 1] & 0x3F));
+      i += 2;
+    } else if (lead >= 0xE0 && lead <= 0xEF && continuation(i + 1) && continuation(i + 2) &&
+               (lead != 0xE0 || in[i + 1] >= 0xA0)) {
+      // Surrogates (ED A0..BF) are what CESU-8 is made of: kept as units.
+      *dest++ = static_cast<char16_t>(((lead & 0x0F) << 12) | ((in[i + 1] & 0x3F) << 6) | (in[i + 2] & 0x3F));
+      i += 3;
+    } else if (lead >= 0xF0 && lead <= 0xF4 && continuation(i + 1) && continuation(i + 2) && continuation(i + 3) &&
+               (lead != 0xF0 || in[i + 1] >= 0x90) && (lead != 0xF4 || in[i + 1] <= 0x8F)) {
+      const char32_t c = ((lead & 0x07U) << 18) | ((in[i + 1] & 0x3FU) << 12) | ((in[i + 2] & 0x3FU) << 6) |
+                         (in[i + 3] & 0x3FU);
+      *dest++ = static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
+      *dest++ = static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
+      i += 4;
+    } else {
+      *dest++ = static_cast<char16_t>(kReplacement);
+      ++i;
+    }
+  }
+  out.resize(start + static_cast<std::size_t>(dest - first));
+}
+
 }  // namespace talp::utf

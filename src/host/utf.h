@@ -96,4 +96,15 @@ void EncodeUTF8(std::u16string_view units, std::string& out);
 inline constexpr std::size_t kMaxUTF8PerUnit = 3;  // a pair of units takes four
 std::size_t EncodeUTF8To(std::u16string_view units, char* dest);
 
+// CESU-8, the form the script engine keeps its strings in: every UTF-16
+// unit, a surrogate too, as its own sequence of one to three bytes, so that a
+// pair stays two units there as it is here.
+void EncodeCESU8(std::u16string_view units, std::string& out);
+
+// Decodes what the script engine hands out, appending to out: CESU-8 gives
+// back the units it was made of, lone surrogates included, and a four-byte
+// UTF-8 sequence becomes a surrogate pair. Every other byte that starts no
+// such sequence becomes U+FFFD.
+void DecodeCESU8(std::string_view bytes, std::u16string& out);
+
 }  // namespace talp::utf

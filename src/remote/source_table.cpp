@@ -2,10 +2,10 @@
 
 #include "http/http_client.h"
 #include "sources/custom/custom_base.h"
+#include "sources/data_engine.h"
 #include "sources/file/file_base.h"
 #include "sources/odbc/odbc_base.h"
 #include "sources/sql/sql_base.h"
-#include "text/data_engine.h"
 #include "text/word_styling.h"
 
 namespace talp {

@@ -1,5 +1,6 @@
 #include "talp/talp_remote.h"
 
+#include "host/script_runner.h"
 #include "remote/dispatch.h"
 #include "remote/source_table.h"
 
@@ -22,6 +23,9 @@ void TALPRemote::Release() const {
 
 using talp::RealSources;
 namespace dispatch = talp::dispatch;
+// The operations that may run scripts open a script scope: their scripts
+// share one session, and the next operation starts from fresh engines.
+using ScriptScope = talp::host::ScriptScope;
 
 int TALPRemote::GetDatabaseList(PMString descriptor, WideString& result) {
   return dispatch::GetDatabaseList(RealSources(), descriptor, result);
@@ -32,18 +36,22 @@ int TALPRemote::GetTableList(PMString descriptor, WideString& result) {
 }
 
 int TALPRemote::GetColumnList(PMString descriptor, WideString styling, WideString& result) {
+  const ScriptScope scripts;
   return dispatch::GetColumnList(RealSources(), descriptor, styling, result);
 }
 
 int TALPRemote::GetRecordList(PMString descriptor, WideString& result, PMString search, long p4) {
+  const ScriptScope scripts;
   return dispatch::GetRecordList(RealSources(), descriptor, result, search, p4);
 }
 
 int TALPRemote::GetRecordLoop(PMString descriptor, WideString& result, PMString where) {
+  const ScriptScope scripts;
   return dispatch::GetRecordLoop(RealSources(), descriptor, result, where);
 }
 
 int TALPRemote::GetSpecificRecord(PMString descriptor, PMString keyValue, WideString styling, WideString& result) {
+  const ScriptScope scripts;
   return dispatch::GetSpecificRecord(RealSources(), descriptor, keyValue, styling, result);
 }
 
@@ -70,5 +78,6 @@ void TALPRemote::GetUsingHttpPost(PMString url, int port, WideString& result) {
 }
 
 void TALPRemote::GetGroupDataLoop(PMString descriptor, WideString styling, WideString& result, PMString query) {
+  const ScriptScope scripts;
   dispatch::GetGroupDataLoop(RealSources(), descriptor, styling, result, query);
 }

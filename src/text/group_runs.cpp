@@ -7,8 +7,8 @@
 
 namespace talp {
 
-GroupRuns::GroupRuns(std::u16string& out, bool grouping, long groupField, const RecordTemplate& entry)
-    : out_(out), grouping_(grouping), groupField_(groupField), entry_(entry),
+GroupRuns::GroupRuns(std::u16string& out, bool grouping, long groupField, const RecordTemplate& entry, Form form)
+    : out_(out), grouping_(grouping), groupField_(groupField), entry_(entry), form_(form),
       highSurrogates_(host::HasHighSurrogate(out)) {}
 
 void GroupRuns::Add(std::u16string_view record, const std::vector<std::u16string_view>& fields) {
@@ -36,7 +36,9 @@ void GroupRuns::AddTo(std::u16string_view record, const std::vector<std::u16stri
       CloseRun();
       out_.push_back(kCR);
     }
-    out_.append(record).append(style);
+    out_.append(record);
+    if (form_ == Form::kScript) out_.push_back(kTab);
+    out_.append(style);
     previous_ = groupValue;
     runCount_ = 0;
   }
@@ -49,6 +51,7 @@ WideString GroupRuns::Finish() {
 }
 
 void GroupRuns::CloseRun() {
+  if (form_ == Form::kScript) return;
   out_.push_back(kTab);
   AppendNumber(runCount_ + 1, out_);
 }

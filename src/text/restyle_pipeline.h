@@ -39,7 +39,8 @@ class RestylePipeline {
 
   // styling and header as for WordStyling::RestyleInLoop. threads: workers,
   // 0 for one per core; styling that runs scripts always stays on the
-  // caller's thread, and so does all styling when no thread can be started.
+  // caller's thread, in record order (see WordStyling::RunsScripts), and so
+  // does all styling when no thread can be started.
   // Batches are small, so that the records in flight stay in the cores'
   // caches between reading, restyling and assembling.
   explicit RestylePipeline(const WideString& styling, unsigned threads = 0, std::size_t batchSize = 1024);

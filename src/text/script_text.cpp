@@ -10,11 +10,10 @@ void UseScriptToManipulate(const PMString& scriptPath, WideString& text) {
   if (!runner || !runner->CanRunFile(scriptPath)) return;
   const PMString kArgument("scriptArguments");
   host::ScriptArgumentStore& arguments = host.ScriptArguments();
-  arguments.Save();
+  const host::ScriptArgumentsScope run(arguments);
   arguments.Set(kArgument, PMString(text));
   runner->RunFile(scriptPath);
   text = WideString(arguments.Get(kArgument));
-  arguments.Restore();
 }
 
 }  // namespace talp

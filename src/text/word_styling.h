@@ -39,9 +39,12 @@ class WordStyling {
   WordStyling& operator=(const WordStyling&) = delete;
 
   bool IsDocument() const { return document_; }
-  // Whether a process runs a script: scripts run one at a time, on the
-  // host's thread. Otherwise separate instances may restyle on separate
-  // threads.
+  // Whether a process runs a script. Such styling restyles on one thread:
+  // the runs of a script file in an operation share one engine, whose
+  // globals see the records in record order; engines of separate workers
+  // would each see some batches, and a script that keeps state (a counter,
+  // a running total) would give results that depend on the split. Other
+  // styling may restyle in separate instances on separate threads.
   bool RunsScripts() const;
   void AppendNames(WideString& header) const;
   void Apply(const WideString& header, WideString& record);

@@ -1,7 +1,8 @@
 // Host services for tests: alerts and file remarks are recorded instead of
 // shown, a process exit throws ProcessExit instead of ending the test run,
-// files are the platform's (or bytes in memory), settings can be changed,
-// and a script runner can be supplied. Installs itself for its lifetime.
+// files are the platform's (or bytes in memory), settings can be changed, and
+// scripts run in the platform's runner unless another one is supplied.
+// Installs itself for its lifetime.
 #pragma once
 
 #include <algorithm>
@@ -35,7 +36,7 @@ class TestHost : public host::PlatformHostServices {
   }
   [[noreturn]] void ExitProcess(int status) override { throw ProcessExit{status}; }
   std::unique_ptr<host::IScriptRunner> FindScriptRunner(const PMString& scriptPath) override {
-    return scriptRunnerFactory ? scriptRunnerFactory(scriptPath) : nullptr;
+    return scriptRunnerFactory ? scriptRunnerFactory(scriptPath) : PlatformHostServices::FindScriptRunner(scriptPath);
   }
   PMString LocalizedDecimal() const override { return localizedDecimal; }
   host::AnsiText Ansi() const override { return ansi; }

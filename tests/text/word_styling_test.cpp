@@ -2,13 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <cctype>
-#include <memory>
+#include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "host/script_runner.h"
+#include "temp_folder.h"
 #include "test_host.h"
+#include "text/restyle_pipeline.h"
 
 namespace talp {
 namespace {
@@ -76,7 +78,7 @@ TEST(WordStyling, ProcessTypesComputeTheirField) {
       {"Item", Type("Item", "a,b,c", {{"StringSplitter", ","}, {"StringItemNumber", "1"}}), "b"},
       {"ItemPastTheEndIsLast", Type("Item", "a,b,c", {{"StringSplitter", ","}, {"StringItemNumber", "9"}}), "c"},
       {"CountItems", Type("CountItems", "a,b,c", {{"StringSplitter", ","}}), "2"},
-      {"ScriptWithoutRunner", Type("Script", "keep", {{"ScriptFile", "/no/runner.js"}}), "keep"},
+      {"ScriptThatCannotBeRead", Type("Script", "keep", {{"ScriptFile", "/no/such.js"}}), "keep"},
       {"Concatenate", Type("Concatenate", "[name] at [price] [nope]"), "Nut at 0.25 "},
       {"UnknownType", Type("Sum", "1+1"), ""}, {"MissingChildren", {}, ""},
   };
@@ -136,24 +138,38 @@ TEST(WordStyling, ValuesSplitIntoFieldsAtTheirCRs) {
                                                       u"b", u"2", u""}));
 }
 
-class UpperCaseRunner : public host::IScriptRunner {
- public:
-  bool CanRunFile(const PMString&) override { return true; }
-  void RunFile(const PMString&) override {
-    host::ScriptArgumentStore& store = host::Host().ScriptArguments();
-    std::string text = store.Get(PMString("scriptArguments")).GrabCString();
-    for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    store.Set(PMString("scriptArguments"), PMString(text));
-  }
-};
-
-TEST(WordStyling, ScriptRewritesTheInformation) {
+// The information goes to the script in "scriptArguments", the only argument
+// of its run, and comes back from there; a relative "ScriptFile" is found
+// from the current directory. The runs of an operation share the script's
+// engine and see the records in order, on one thread; a failing script
+// leaves the information as it is, with one alert.
+TEST(WordStyling, ScriptProcessRunsTheScriptOnTheInformation) {
   test::TestHost host;
-  host.scriptRunnerFactory = [](const PMString&) { return std::make_unique<UpperCaseRunner>(); };
-  host.ScriptArguments().Set(PMString("other"), PMString("kept"));
-  EXPECT_EQ(Styled(Document({Type("Script", "[name]", {{"ScriptFile", "up.js"}})}), "name", "nut\t"), "nut\rNUT\r");
-  EXPECT_EQ(host.ScriptArguments().Get(PMString("other")).GrabCString(), "kept");
-  EXPECT_TRUE(host.ScriptArguments().Get(PMString("scriptArguments")).IsEmpty());
+  test::TempFolder folder;
+  test::Spit(folder / "up.js",
+             "var n = typeof n === 'number' ? n + 1 : 1; var a = scriptArgs;"
+             "a.set('scriptArguments', a.get('scriptArguments').toUpperCase() + n + a.isDefined('seen')); a.set('seen', 1)");
+  test::Spit(folder / "bad.js", "throw 1;");
+  const std::filesystem::path cwd = std::filesystem::current_path();
+  std::filesystem::current_path(folder / "");
+  host.ScriptArguments().Set("other", "kept");
+  std::vector<std::string> records;
+  {
+    const host::ScriptScope operation;
+    RestylePipeline pipeline(WideString(Document({Type("Script", "[name]", {{"ScriptFile", "up.js"}}),
+                                                  Type("Script", "[name]", {{"ScriptFile", "bad.js"}})})),
+                             4, 2);
+    int left = 5;
+    pipeline.Run(
+        WideString("name"), [&](std::u16string& record) { return left-- > 0 && (record = u"nut\t", true); },
+        [&](const RestylePipeline::Record& record) { records.push_back(WideString(record.text).ToUTF8()); });
+  }
+  std::filesystem::current_path(cwd);
+  EXPECT_EQ(records, (std::vector<std::string>{"nut\tNUT1false\tnut\t", "nut\tNUT2false\tnut\t", "nut\tNUT3false\tnut\t",
+                                               "nut\tNUT4false\tnut\t", "nut\tNUT5false\tnut\t"}));
+  EXPECT_EQ(host.alerts, std::vector<std::string>{"The script bad.js failed: 1"});
+  EXPECT_EQ(host.ScriptArguments().Values().size(), 1u);
+  EXPECT_EQ(host.ScriptArguments().Get("other").GrabCString(), "kept");
 }
 
 }  // namespace

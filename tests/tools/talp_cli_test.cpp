@@ -11,6 +11,7 @@
 #include "run.h"
 #include "talp/talp_remote.h"
 #include "temp_folder.h"
+#include "test_host.h"
 
 namespace talp::cli {
 namespace {
@@ -51,6 +52,7 @@ class RecordingRemote final : public ITALPRemote {
 
   std::vector<std::string> calls;
   int status = 0;
+  host::ScriptLimits limits;  // in force during the last call
 
  private:
   template <typename... Args>
@@ -58,6 +60,7 @@ class RecordingRemote final : public ITALPRemote {
     std::string separator = " ";
     ((call += separator + S(args), separator = "|"), ...);
     calls.push_back(call);
+    limits = host::Host().GetScriptLimits();
     result = WideString("1\tnut\r22\tbolt M4\r");
     return status;
   }
@@ -68,6 +71,7 @@ struct TalpRun {
   int status;
   std::string out, err;
   std::vector<std::string> calls;
+  host::ScriptLimits limits;
 };
 
 TalpRun Talp(std::vector<std::string> args, bool terminal = false, const char* envPassword = nullptr, int status = 0) {
@@ -75,7 +79,7 @@ TalpRun Talp(std::vector<std::string> args, bool terminal = false, const char* e
   remote.status = status;
   std::ostringstream out, err;
   const int exitStatus = RunTalp(remote, args, out, err, terminal, {.password = envPassword});
-  return {exitStatus, out.str(), err.str(), remote.calls};
+  return {exitStatus, out.str(), err.str(), remote.calls, remote.limits};
 }
 
 TEST(TalpOperations, CallTheProviderOperation) {
@@ -134,6 +138,8 @@ TEST(TalpUsageErrors, ExitWithTwoAndAReason) {
       {{"tables", "--table", "a;b"}, "the value of --table cannot hold ';', which separates descriptor fields"},
       {{"loop", "--where", "@/no/such/file"}, "cannot read the file '/no/such/file' given to --where"},
       {{"loop", "--ansi", "latin1"}, "--ansi takes utf-8 or windows-1252, not 'latin1'"},
+      {{"loop", "--script-time-limit", "0"}, "--script-time-limit needs a number above 0 and at most 1000000"},
+      {{"loop", "--script-memory-limit=2x"}, "--script-memory-limit needs a number above 0 and at most 1048576"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.reason);
@@ -143,6 +149,13 @@ TEST(TalpUsageErrors, ExitWithTwoAndAReason) {
     EXPECT_TRUE(run.calls.empty());
     EXPECT_EQ(run.out, "");
   }
+}
+
+TEST(TalpScriptLimits, SetTheHostSettings) {
+  const TalpRun run = Talp({"loop", "--script-time-limit", "0.5", "--script-memory-limit=64"});
+  EXPECT_EQ(run.calls.size(), 1u);
+  EXPECT_EQ(run.limits.seconds, 0.5);
+  EXPECT_EQ(run.limits.megabytes, 64u);
 }
 
 TEST(TalpOptionFiles, AtReadsTheFileExactly) {

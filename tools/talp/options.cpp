@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <exception>
+#include <string>
 #include <string_view>
 
 #include "talp/host_services.h"
@@ -55,6 +57,21 @@ std::optional<host::AnsiText> AnsiNamed(std::string text) {
   if (text == "utf-8") return host::AnsiText::kUTF8WhereValid;
   if (text == "windows-1252") return host::AnsiText::kWindows1252;
   return std::nullopt;
+}
+
+// A script limit: a number above 0 and at most max, the whole text.
+bool ReadLimit(const std::string& option, const std::string& text, double max, double& value, std::string& error) {
+  std::size_t used = 0;
+  try {
+    value = std::stod(text, &used);
+  } catch (const std::exception&) {
+    used = 0;
+  }
+  if (used == 0 || used != text.size() || !(value > 0 && value <= max)) {
+    error = "--" + option + " needs a number above 0 and at most " + std::to_string(static_cast<long>(max));
+    return false;
+  }
+  return true;
 }
 
 std::vector<std::string> SplitFields(const std::string& descriptor) {
@@ -134,7 +151,8 @@ ParseResult ParseOptions(const std::vector<std::string>& args, const Environment
     const auto field = std::find_if(kFieldOptions.begin(), kFieldOptions.end(),
                                     [&](const FieldOption& f) { return f.name == name; });
     const bool isOwn = std::find(kOwnTextOptions.begin(), kOwnTextOptions.end(), name) != kOwnTextOptions.end();
-    const bool isSetting = name == "descriptor" || name == "ansi";
+    const bool isLimit = name == "script-time-limit" || name == "script-memory-limit";
+    const bool isSetting = name == "descriptor" || name == "ansi" || isLimit;
     if (name.empty() || (!isSetting && field == kFieldOptions.end() && !isOwn)) {
       error = "unknown option '" + arg + "'";
       break;
@@ -149,6 +167,17 @@ ParseResult ParseOptions(const std::vector<std::string>& args, const Environment
     if (name == "ansi") {
       ansi = *value;
       if (!AnsiNamed(*ansi)) error = "--ansi takes utf-8 or windows-1252, not '" + *ansi + "'";
+      continue;
+    }
+    if (isLimit) {
+      double limit = 0;
+      const bool seconds = name == "script-time-limit";
+      if (!ReadLimit(name, *value, seconds ? 1e6 : 1 << 20, limit, error)) break;
+      if (seconds) {
+        options.scriptSeconds = limit;
+      } else {
+        options.scriptMegabytes = static_cast<std::uint64_t>(limit);
+      }
       continue;
     }
     if (name != "port" && !ResolveText(name, *value, error)) break;
@@ -253,6 +282,10 @@ Output:
   --utf16                   the result as UTF-16LE, without byte-order mark
   --pretty                  records per line, fields in aligned columns
                             (default: --pretty on a terminal, --raw otherwise)
+
+Scripts (".js" and ".jsx" files of the "Custom" source and of "Script" processes):
+  --script-time-limit SECONDS   how long one run may take (default 10)
+  --script-memory-limit MB      how much memory its engine may hold (default 256)
 
 Alerts go to standard error as 'alert: MESSAGE'. The exit status is the
 operation's status (0 where it has none), 2 for a usage error.

@@ -2,6 +2,7 @@
 // connection descriptor and the output mode.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -20,6 +21,9 @@ struct Options {
   std::map<std::string, std::string> texts;  // the operation's own options, by long name
   OutputMode output = OutputMode::kAuto;
   host::AnsiText ansi = host::AnsiText::kWindows1252;  // what files without a mark hold
+  // The host settings for scripts, when given.
+  std::optional<double> scriptSeconds;
+  std::optional<std::uint64_t> scriptMegabytes;
   bool help = false;
 };
 

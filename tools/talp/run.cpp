@@ -10,8 +10,10 @@
 
 #include "cli_host.h"
 #include "host/unique_fd.h"
+#include "host/script_runner.h"
 #include "host/unit_search.h"
 #include "options.h"
+#include "talp/host_services.h"
 #include "output.h"
 #include "text/record_template.h"
 #include "text/search_replace.h"
@@ -38,6 +40,7 @@ struct Invocation {
 // The computed fields of a styling document as "name TAB value" lines, for a
 // record given as text or one fetched from the descriptor's source.
 int StyleRecord(ITALPRemote& remote, const Invocation& call, WideString& result) {
+  const host::ScriptScope scripts;  // one operation: its scripts share a session
   const WideString styling = call.WideText("styling");
   std::u16string header, fields;
   int status = 0;
@@ -147,6 +150,10 @@ int RunTalp(ITALPRemote& remote, const std::vector<std::string>& args, std::ostr
   const Options& options = parsed.options;
   const Invocation call{options, PMString(options.descriptor)};
   CliHost cliHost(err, terminal, options.ansi);
+  host::ScriptLimits limits = cliHost.GetScriptLimits();
+  if (options.scriptSeconds) limits.seconds = *options.scriptSeconds;
+  if (options.scriptMegabytes) limits.megabytes = *options.scriptMegabytes;
+  cliHost.SetScriptLimits(limits);
   const host::ScopedHostServices scope(cliHost);
   // The operation itself says nothing of a data file it cannot open.
   if (const auto why = WhyDataFileUnreadable(call)) cliHost.Note(*why);

@@ -1,0 +1,153 @@
+// The platform's JavaScript runner, with real scripts in the real engine.
+#include "host/script_runner.h"
+
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <map>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "temp_folder.h"
+#include "test_host.h"
+#include "text/script_text.h"
+
+namespace talp::host {
+namespace {
+
+using Values = std::map<std::string, std::u16string>;
+
+Values StoreOf(HostServices& host) {
+  Values values;
+  for (const auto& [name, value] : host.ScriptArguments().Values()) values[name.GrabCString()] = value.AsWide().Units();
+  return values;
+}
+
+// Runs source as the file "t.js" with the arguments in, as the only ones set.
+Values RunScript(test::TestHost& host, const test::TempFolder& folder, const std::string& source, const Values& in) {
+  test::Spit(folder / "t.js", source);
+  const auto runner = host.FindScriptRunner(folder.Path("t.js"));
+  ScriptArgumentStore& store = host.ScriptArguments();
+  store.ClearAll();
+  for (const auto& [name, value] : in) store.Set(PMString(name), PMString(WideString(value)));
+  if (runner->CanRunFile(folder.Path("t.js"))) runner->RunFile(folder.Path("t.js"));
+  return StoreOf(host);
+}
+
+TEST(ScriptRunner, ArgumentsAndTextCrossIntact) {
+  const std::u16string kEmoji = u"\U0001F600";
+  const struct {
+    const char* name;
+    std::string source;
+    Values in, out;
+  } cases[] = {
+      {"EveryCharacterBackAsItWas", "scriptArgs.set('out', scriptArgs.get('in'))", {{"in", u"a\tb\r\u00e9" + kEmoji}},
+       {{"in", u"a\tb\r\u00e9" + kEmoji}, {"out", u"a\tb\r\u00e9" + kEmoji}}},
+      {"PassedInEqualsTypedInTheSource", "scriptArgs.set('in', scriptArgs.get('in') === '\xF0\x9F\x98\x80')",
+       {{"in", kEmoji}}, {{"in", u"true"}}},
+      {"TwoUnitsToTheScript", "scriptArgs.set('in', scriptArgs.get('in').length)", {{"in", kEmoji}}, {{"in", u"2"}}},
+      {"BuiltWithEscapesComesBackAsPairs", "scriptArgs.set('out', '\\uD83D\\uDE00' + String.fromCodePoint(0x1F601))",
+       {}, {{"out", kEmoji + u"\U0001F601"}}},
+      {"LoneSurrogateStaysOneUnit", "scriptArgs.set('out', '\\uD800x')", {}, {{"out", u"\xD800x"}}},
+      {"ByteOrderMarkIsSkipped", "\xEF\xBB\xBFscriptArgs.set('out', 'bom')", {}, {{"out", u"bom"}}},
+      {"AppScriptArgsIsTheSameStore", "app.scriptArgs.set('out', app.scriptArgs === scriptArgs)", {},
+       {{"out", u"true"}}},
+      {"UnsetNameIsEmptyAndUndefined",
+       "scriptArgs.set('out', '[' + scriptArgs.get('no') + ']' + scriptArgs.isDefined('in') + scriptArgs.isDefined('no'))",
+       {{"in", u""}}, {{"in", u""}, {"out", u"[]truefalse"}}},
+      {"ClearEmptiesTheStore", "scriptArgs.clear(); scriptArgs.set('out', 5)", {{"in", u"x"}}, {{"out", u"5"}}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    test::TestHost host;
+    test::TempFolder folder;
+    EXPECT_EQ(RunScript(host, folder, c.source, c.in), c.out);
+    EXPECT_TRUE(host.alerts.empty());
+  }
+}
+
+// A failing run leaves the arguments as they were and shows one alert per
+// session and script file, however often it runs.
+TEST(ScriptRunner, FailuresLeaveTheArgumentsAndAlertOnce) {
+  const struct {
+    const char* name;
+    std::string source;
+    std::string reason;
+  } cases[] = {
+      {"SyntaxError", "var a = ;\nvar b = 2;", "SyntaxError: empty expression not allowed (line 1)"},
+      {"ThrownError", "scriptArgs.set('in', 'changed');\nthrow new Error('boom');", "Error: boom (line 2)"},
+      {"ThrownValue", "throw 5;", "5"},
+      {"UnknownName", "\n\nnoSuchFunction();", "ReferenceError: identifier 'noSuchFunction' undefined (line 3)"},
+      {"RunsForever", "for (;;) {}", "it ran longer than 0.2 s"},
+      {"AllocatesWithoutEnd", "var s = 'x'; for (;;) s += s;", "it needed more than 16 MB of memory"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    test::TestHost host;
+    host.SetScriptLimits({.seconds = 0.2, .megabytes = 16});
+    test::TempFolder folder;
+    const std::string path = folder.Path("t.js").GrabCString();
+    for (int session = 0; session < 2; ++session) {
+      const ScriptScope operation;
+      for (int run = 0; run < 2; ++run) EXPECT_EQ(RunScript(host, folder, c.source, {{"in", u"x"}}), (Values{{"in", u"x"}}));
+    }
+    EXPECT_EQ(host.alerts, std::vector<std::string>(2, "The script " + path + " failed: " + c.reason));
+  }
+}
+
+TEST(ScriptRunner, OnlyJavaScriptFilesThatCanBeRead) {
+  test::TestHost host;
+  for (const char* path : {"a.js", "b.JSX", "dir/c.jsx"}) EXPECT_NE(host.FindScriptRunner(path), nullptr) << path;
+  for (const char* path : {"a.txt", "js", "a.js/b", "a.jsx.bak"}) EXPECT_EQ(host.FindScriptRunner(path), nullptr) << path;
+  {
+    const ScriptScope operation;
+    for (int run = 0; run < 2; ++run) EXPECT_FALSE(host.FindScriptRunner("/nowhere/x.js")->CanRunFile("/nowhere/x.js"));
+  }
+  EXPECT_EQ(host.alerts, std::vector<std::string>{"The script file /nowhere/x.js cannot be read."});
+}
+
+// Within an operation a script keeps its globals from run to run; the next
+// operation, and a run after the time limit, start from a fresh engine.
+TEST(ScriptRunner, EngineStateLastsOneOperation) {
+  test::TestHost host;
+  host.SetScriptLimits({.seconds = 0.5});
+  test::TempFolder folder;
+  const std::string counter =
+      "var n = typeof n === 'number' ? n + 1 : 1; scriptArgs.set('n', n); if (scriptArgs.get('stall')) for (;;) {}";
+  for (int operation = 0; operation < 2; ++operation) {
+    const ScriptScope scope;
+    EXPECT_EQ(RunScript(host, folder, counter, {})["n"], u"1");
+    EXPECT_EQ(RunScript(host, folder, counter, {})["n"], u"2");
+    EXPECT_EQ(RunScript(host, folder, counter, {{"stall", u"y"}})["n"], u"");
+    EXPECT_EQ(RunScript(host, folder, counter, {})["n"], u"1");
+  }
+  EXPECT_EQ(host.alerts.size(), 2u);
+}
+
+TEST(ScriptRunner, ManyRunsOnSeveralThreads) {
+  test::TestHost host;
+  test::TempFolder folder;
+  test::Spit(folder / "up.js", "scriptArgs.set('scriptArguments', scriptArgs.get('scriptArguments').toUpperCase())");
+  std::vector<std::thread> threads;
+  std::vector<int> wrong(4, 0);
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&, t] {
+      const ScriptScope operation;
+      for (int run = 0; run < 50; ++run) {
+        const std::string text = "thread " + std::to_string(t) + " run " + std::to_string(run);
+        WideString value(text);
+        UseScriptToManipulate(folder.Path("up.js"), value);
+        std::string upper = text;
+        for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        if (value.ToUTF8() != upper) ++wrong[static_cast<std::size_t>(t)];
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(wrong, std::vector<int>(4, 0));
+  EXPECT_TRUE(host.alerts.empty());
+}
+
+}  // namespace
+}  // namespace talp::host

@@ -120,8 +120,15 @@ ParseResult ParseOptions(const std::vector<std::string>& args, const Environment
       options.help = true;
       return parsed;
     }
-    if (arg == "--raw" || arg == "--utf16" || arg == "--pretty") {
-      options.output = arg == "--raw" ? OutputMode::kRaw : arg == "--utf16" ? OutputMode::kUtf16 : OutputMode::kPretty;
+    if (arg == "--version") {
+      options.version = true;
+      return parsed;
+    }
+    if (arg == "--raw" || arg == "--utf16" || arg == "--pretty" || arg == "--json") {
+      options.output = arg == "--raw"     ? OutputMode::kRaw
+                       : arg == "--utf16" ? OutputMode::kUtf16
+                       : arg == "--json"  ? OutputMode::kJson
+                                          : OutputMode::kPretty;
       continue;
     }
     // An option with a value: "--name value", "--name=value" or "-d value".
@@ -252,7 +259,13 @@ Output:
   --raw                     the result as UTF-8, byte for byte
   --utf16                   the result as UTF-16LE, without byte-order mark
   --pretty                  records per line, fields in aligned columns
+  --json                    one JSON document (UTF-8): names as strings, list
+                            entries as {"key", "sort"}, records as objects
+                            keyed by column name
                             (default: --pretty on a terminal, --raw otherwise)
+
+  -h, --help                this text
+  --version                 talp's version
 
 Alerts go to standard error as 'alert: MESSAGE'. The exit status is the
 operation's status (0 where it has none), 2 for a usage error.

@@ -11,7 +11,7 @@
 
 namespace talp::cli {
 
-enum class OutputMode { kAuto, kRaw, kUtf16, kPretty };
+enum class OutputMode { kAuto, kRaw, kUtf16, kPretty, kJson };
 
 struct Options {
   std::string operation;
@@ -21,6 +21,7 @@ struct Options {
   OutputMode output = OutputMode::kAuto;
   host::AnsiText ansi = host::AnsiText::kWindows1252;  // what files without a mark hold
   bool help = false;
+  bool version = false;
 };
 
 // The environment variables talp reads; null when unset.

@@ -4,7 +4,8 @@
 set -euo pipefail
 
 packages=(g++ cmake ninja-build pkg-config make libgtest-dev libgmock-dev libbenchmark-dev
-          mariadb-server mariadb-client libmariadb-dev nlohmann-json3-dev "$@")
+          mariadb-server mariadb-client libmariadb-dev nlohmann-json3-dev
+          man-db groff-base "$@")
 
 missing=()
 for package in "${packages[@]}"; do

@@ -6,7 +6,7 @@ FUZZ_BUILD ?= build-fuzz
 JOBS       ?= $(shell nproc)
 MYSQL_DIR  ?= /tmp/talp-mariadb
 
-.PHONY: all deps build demo test test-asan fuzz bench scale mysql-scale clean mysql-server mysql-server-stop
+.PHONY: all deps build install demo test test-asan fuzz bench scale mysql-scale clean mysql-server mysql-server-stop
 
 all: build
 
@@ -16,6 +16,11 @@ deps:
 build: deps
 	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
 	cmake --build $(BUILD) -j $(JOBS)
+
+# Installs under PREFIX (default /usr/local): library, headers, plug-in module, talp and its manual.
+PREFIX ?= /usr/local
+install: build
+	cmake --install $(BUILD) --prefix $(PREFIX)
 
 # Runs talp on the bundled examples.
 demo: build

@@ -6,7 +6,7 @@ FUZZ_BUILD ?= build-fuzz
 JOBS       ?= $(shell nproc)
 MYSQL_DIR  ?= /tmp/talp-mariadb
 
-.PHONY: all deps build install demo test test-asan fuzz bench scale mysql-scale clean mysql-server mysql-server-stop
+.PHONY: all deps build install package demo test test-asan fuzz bench scale mysql-scale clean mysql-server mysql-server-stop
 
 all: build
 
@@ -21,6 +21,10 @@ build: deps
 PREFIX ?= /usr/local
 install: build
 	cmake --install $(BUILD) --prefix $(PREFIX)
+
+# The Debian package talpremote_VERSION_amd64.deb, in $(BUILD).
+package: build
+	cmake --build $(BUILD) --target package
 
 # Runs talp on the bundled examples.
 demo: build

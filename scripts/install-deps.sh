@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(g++ cmake ninja-build pkg-config make libgtest-dev libgmock-dev libbenchmark-dev
           mariadb-server mariadb-client libmariadb-dev nlohmann-json3-dev
-          man-db groff-base "$@")
+          dpkg-dev file man-db groff-base "$@")
 
 missing=()
 for package in "${packages[@]}"; do

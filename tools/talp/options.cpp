@@ -264,6 +264,7 @@ Output:
                             keyed by column name
                             (default: --pretty on a terminal, --raw otherwise)
 
+Help:
   -h, --help                this text
   --version                 talp's version
 

@@ -43,8 +43,12 @@ std::vector<std::string> Lines(const std::string& text) {
 
 std::string Joined(const Json& values, const char* separator) {
   std::string text;
-  for (const Json& value : values) text += (text.empty() && &value == &*values.begin() ? "" : separator) +
-                                          value.get<std::string>();
+  bool first = true;
+  for (const Json& value : values) {
+    if (!first) text += separator;
+    first = false;
+    text += value.get<std::string>();
+  }
   return text;
 }
 
@@ -54,40 +58,34 @@ std::string Joined(const Json& values, const char* separator) {
 // missing); records are keyed by the column names of the same descriptor and
 // styling; status and standard error do not change. Returns the document.
 Json ExpectJsonOfRaw(const Args& args, JsonLayout layout) {
-  const Run raw = Talp([&] { Args a = args; a.push_back("--raw"); return a; }());
-  const Run json = Talp([&] { Args a = args; a.push_back("--json"); return a; }());
+  Args rawArgs = args, jsonArgs = args;
+  rawArgs.push_back("--raw");
+  jsonArgs.push_back("--json");
+  const Run raw = Talp(rawArgs), json = Talp(jsonArgs);
   EXPECT_EQ(json.status, raw.status);
   EXPECT_EQ(json.err, raw.err);
   EXPECT_TRUE(json.out.ends_with("]\n") || json.out.ends_with("}\n")) << json.out;
   const Json doc = Json::parse(json.out);
 
-  const std::vector<std::string> lines = Lines(raw.out);
   std::vector<std::string> rebuilt;
   std::vector<const Json*> records;
-  switch (layout) {
-    case JsonLayout::kNames:
-      for (const Json& name : doc) rebuilt.push_back(name.get<std::string>());
-      break;
-    case JsonLayout::kEntries:
-      for (const Json& entry : doc) rebuilt.push_back(entry.at("key").get<std::string>() + "\t" +
-                                                      entry.at("sort").get<std::string>());
-      break;
-    case JsonLayout::kFields:
-      for (const auto& [name, value] : doc.items()) rebuilt.push_back(name + "\t" + value.get<std::string>());
-      break;
-    case JsonLayout::kRecord:
-      EXPECT_LE(doc.size(), 1u);
-      for (const Json& record : doc) {
-        for (const Json& value : record) rebuilt.push_back(value.get<std::string>());
-        records.push_back(&record);
+  for (const auto& [key, item] : doc.items()) {
+    if (layout == JsonLayout::kFields) {
+      rebuilt.push_back(key + "\t" + item.get<std::string>());
+    } else if (layout == JsonLayout::kNames) {
+      rebuilt.push_back(item.get<std::string>());
+    } else if (layout == JsonLayout::kEntries) {
+      rebuilt.push_back(item.at("key").get<std::string>() + "\t" + item.at("sort").get<std::string>());
+    } else {
+      records.push_back(&item);
+      // A record's fields are lines of their own; a loop's are TAB-separated.
+      for (const Json& value : item) {
+        if (layout == JsonLayout::kRecord) rebuilt.push_back(value.get<std::string>());
       }
-      break;
-    default:
-      for (const Json& record : doc) {
-        rebuilt.push_back(Joined(record, "\t"));
-        records.push_back(&record);
-      }
+      if (layout != JsonLayout::kRecord) rebuilt.push_back(Joined(item, "\t"));
+    }
   }
+  const std::vector<std::string> lines = Lines(raw.out);
   EXPECT_EQ(rebuilt.size(), lines.size()) << json.out;
   for (std::size_t i = 0; i < rebuilt.size() && i < lines.size(); ++i) {
     if (rebuilt[i] != lines[i]) {
@@ -95,26 +93,20 @@ Json ExpectJsonOfRaw(const Args& args, JsonLayout layout) {
     }
   }
 
-  if (!records.empty()) {
-    // The same options, without the operation's own argument and conditions.
-    Args columns = {"columns"};
-    for (std::size_t i = args[0] == "record" ? 2 : 1; i < args.size(); ++i) {
-      if (args[i] == "--where" || args[i] == "--query") {
-        ++i;
-      } else {
-        columns.push_back(args[i]);
-      }
-    }
-    const Json names = Json::parse(Talp([&] { columns.push_back("--json"); return columns; }()).out);
-    for (const Json* record : records) {
-      std::size_t n = 0;
-      for (const auto& [key, value] : record->items()) {
-        const std::string expected = n < names.size() ? names[n].get<std::string>() : "_" + std::to_string(n + 1);
-        if (key != "group" && key != "count") {
-          EXPECT_EQ(key, expected);
-        }
-        ++n;
-      }
+  // Keys: the column names of the same options, without the operation's own argument and condition.
+  Args columns = {"columns", "--json"};
+  for (std::size_t i = args[0] == "record" ? 2 : 1; i < args.size(); ++i) {
+    const bool condition = args[i] == "--where" || args[i] == "--query";
+    if (!condition) columns.push_back(args[i]);
+    i += condition ? 1 : 0;
+  }
+  const Json names = records.empty() ? Json() : Json::parse(Talp(columns).out);
+  for (const Json* record : records) {
+    std::size_t n = 0;
+    for (const auto& [key, value] : record->items()) {
+      const std::string name = n < names.size() ? names[n].get<std::string>() : "_" + std::to_string(n + 1);
+      EXPECT_TRUE(key == name || key == "group" || key == "count") << key << " for " << name;
+      ++n;
     }
   }
   return doc;

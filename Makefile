@@ -7,8 +7,8 @@ JOBS       ?= $(shell nproc)
 MYSQL_DIR  ?= /tmp/talp-mariadb
 ODBC_DIR   ?= /tmp/talp-odbc
 
-.PHONY: all deps build demo test test-asan fuzz bench scale script-scale mysql-scale odbc-scale clean mysql-server mysql-server-stop \
-        odbc-dsn odbc-dsn-stop
+.PHONY: all deps build install package demo test test-asan fuzz bench scale script-scale mysql-scale odbc-scale clean \
+        mysql-server mysql-server-stop odbc-dsn odbc-dsn-stop
 
 all: build
 
@@ -18,6 +18,15 @@ deps:
 build: deps
 	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
 	cmake --build $(BUILD) -j $(JOBS)
+
+# Installs under PREFIX (default /usr/local): library, headers, plug-in module, talp and its manual.
+PREFIX ?= /usr/local
+install: build
+	cmake --install $(BUILD) --prefix $(PREFIX)
+
+# The Debian package talpremote_VERSION_amd64.deb, in $(BUILD).
+package: build
+	cmake --build $(BUILD) --target package
 
 # Runs talp on the bundled examples.
 demo: build

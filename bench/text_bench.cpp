@@ -11,6 +11,7 @@
 #include "text/item_cursor.h"
 #include "text/search_replace.h"
 #include "text/text_handlers.h"
+#include "text/word_styling.h"
 
 namespace {
 
@@ -139,5 +140,33 @@ void BM_UnicodeCleaning(benchmark::State& state) {
   Processed(state);
 }
 BENCHMARK(BM_UnicodeCleaning)->Apply(Sizes);
+
+// One "Calc" process, price times stock, restyling 100,000 records as the
+// loops do: most products of a two-decimal price are no short decimal as a
+// double, so this is where "Calc" results are written.
+void BM_CalcStyling(benchmark::State& state) {
+  const WideString styling(
+      "<?xml version=\"1.0\"?><Styling><Process><OutputField>value</OutputField><ProcessType>Calc</ProcessType>"
+      "<ProcessInfo>[price]*[stock]</ProcessInfo></Process></Styling>");
+  talp::WordStyling styler(styling, u'.');
+  const WideString header("sku\rprice\rstock");
+  std::vector<std::u16string> records;
+  std::uint32_t seed = 12345;
+  for (std::uint32_t sku = 100000; records.size() < 100000; ++sku) {
+    seed = seed * 1664525u + 1013904223u;
+    const std::string record = std::to_string(sku) + "\t" + std::to_string((seed >> 8) % 100000 / 100) + "." +
+                               std::to_string(10 + (seed >> 4) % 90) + "\t" + std::to_string(seed % 1000) + "\t";
+    records.emplace_back(record.begin(), record.end());
+  }
+  std::u16string record;
+  for (auto _ : state) {
+    for (const std::u16string& stored : records) {
+      record = stored;
+      benchmark::DoNotOptimize(styler.RestyleInLoop(header, record).data());
+    }
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * records.size()));
+}
+BENCHMARK(BM_CalcStyling)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -5,7 +5,8 @@ set -euo pipefail
 
 packages=(g++ cmake ninja-build pkg-config make libgtest-dev libgmock-dev libbenchmark-dev
           mariadb-server mariadb-client libmariadb-dev
-          unixodbc-dev unixodbc libsqliteodbc odbc-mariadb sqlite3 duktape-dev "$@")
+          unixodbc-dev unixodbc libsqliteodbc odbc-mariadb sqlite3 duktape-dev
+          nlohmann-json3-dev dpkg-dev file man-db groff-base "$@")
 
 missing=()
 for package in "${packages[@]}"; do

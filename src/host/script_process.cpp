@@ -17,6 +17,8 @@
 #include <map>
 #include <optional>
 
+#include "host/script_host_program.h"
+
 namespace talp::host {
 namespace {
 
@@ -239,8 +241,7 @@ std::unique_ptr<ScriptProcess> ScriptProcess::Start() {
   int ends[2];
   if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return nullptr;
   UniqueFd ours(ends[0]), theirs(ends[1]);
-  const char* override = std::getenv("TALP_SCRIPT_HOST");
-  const std::string program = override != nullptr && *override != '\0' ? override : TALP_SCRIPT_HOST_PATH;
+  const std::string program = ScriptHostProgram();
   const std::string parent = std::to_string(::getpid());
   // Spawned, not forked: a copy of a host with threads could inherit a lock
   // that another thread held (in the allocator, say) and wait for it forever.

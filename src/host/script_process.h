@@ -7,8 +7,8 @@
 // process down. A run costs a round trip over a socket pair, a few
 // microseconds; the engines stay in the process from run to run.
 //
-// The process runs the program talp-script-host (its path is fixed when the
-// library is built; the environment variable TALP_SCRIPT_HOST names another).
+// The process runs the program talp-script-host (found by ScriptHostProgram;
+// the environment variable TALP_SCRIPT_HOST names another).
 // One object belongs to one thread at a time.
 #pragma once
 

@@ -158,8 +158,8 @@ void StripInto(Units text, char16_t decimal, std::string& out) {
 }
 
 // Powers of ten that are exact doubles.
-constexpr double kExactPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                        1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+constexpr double kExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                        1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
 // What from_chars reads from the stripped operand, for the common operands
 // of at most 15 digits with a digit before the decimal separator: their
@@ -184,6 +184,12 @@ std::optional<double> ReadShortDecimal(Units operand, char16_t decimal) {
   return static_cast<double>(digits) / kExactPowersOfTen[fraction];
 }
 
+// "Calc" results keep 15 significant digits: every decimal of up to 15
+// digits survives the trip through a double unchanged, so what people typed
+// comes back as typed, and the binary noise of sums and products (digits 16
+// and 17) never shows.
+constexpr int kSignificantDigits = 15;
+
 // The integer nearest to x, for 0 <= x < 2^52: adding 2^52 leaves no bits
 // for a fraction, so the sum rounds to an integer (IEEE arithmetic keeps the
 // two steps apart; this code is never built with -ffast-math). Unlike
@@ -192,9 +198,14 @@ double NearestInteger(double x) {
   return (x + 0x1p52) - 0x1p52;
 }
 
-// Appends mantissa / 10^decimals in fixed form, with a "-" when negative.
+// Appends mantissa / 10^decimals in fixed form without the decimals' trailing
+// zeros, with a "-" when negative.
 void AppendFixed(std::uint64_t mantissa, std::size_t decimals, bool negative, std::u16string& out) {
-  char16_t buffer[32];
+  while (decimals > 0 && mantissa % 10 == 0) {
+    mantissa /= 10;
+    --decimals;
+  }
+  char16_t buffer[48];
   char16_t* const end = buffer + sizeof buffer / sizeof buffer[0];
   char16_t* first = end;
   for (std::size_t d = 0; d < decimals; ++d, mantissa /= 10) *--first = static_cast<char16_t>(u'0' + mantissa % 10);
@@ -207,29 +218,60 @@ void AppendFixed(std::uint64_t mantissa, std::size_t decimals, bool negative, st
   out.append(first, end);
 }
 
-// Appends value in its shortest fixed form when that has at most four
-// decimals, the common case of prices and quantities; false (and nothing
-// appended) otherwise. While |value| * 10^k stays below 2^52 at most one
-// k-decimal text reads back as value, so the first k that has one gives
-// what to_chars gives.
-bool AppendShortDecimal(double value, std::u16string& out) {
+// Appends value rounded to 15 significant digits for the magnitudes of
+// prices, quantities and their products; false (and nothing appended) where
+// the quick way cannot be sure. value times 10^d, with d chosen to give 15
+// digits before the point, is one correctly rounded product below 2^50, so
+// it is within 1/16 of the exact product; unless it lies that close to a
+// half, its nearest integer is the exact product's.
+bool AppendRoundedQuickly(double value, std::u16string& out) {
   const double magnitude = std::fabs(value);
-  for (std::size_t k = 0; k <= 4; ++k) {
-    const double power = kExactPowersOfTen[k];
-    const double scaled = magnitude * power;
-    if (scaled >= 0x1p52) return false;
-    // scaled is within a quarter of the exact product, so the integer
-    // nearest to that is one of these three; when scaled is farther than
-    // eight of its units in the last place from every integer, none is.
-    const double nearest = NearestInteger(scaled);
-    if (std::fabs(scaled - nearest) > scaled * 0x1p-49) continue;
-    for (const double candidate : {nearest, nearest - 1, nearest + 1}) {
-      if (candidate <= 0 || candidate / power != magnitude) continue;
-      AppendFixed(static_cast<std::uint64_t>(candidate), k, value < 0, out);
-      return true;
+  if (!(magnitude >= 1e-7 && magnitude < 1e15)) return false;
+  const bool negative = value < 0;
+  if (magnitude == NearestInteger(magnitude)) {
+    AppendFixed(static_cast<std::uint64_t>(magnitude), 0, negative, out);
+    return true;
+  }
+  std::size_t decimals = kSignificantDigits - 1;  // for 1 <= magnitude < 10
+  while (decimals > 0 && magnitude >= kExactPowersOfTen[kSignificantDigits - decimals]) --decimals;
+  if (magnitude < 1) {
+    ++decimals;
+    while (decimals < 22 && magnitude * kExactPowersOfTen[decimals - kSignificantDigits + 1] < 1) ++decimals;
+  }
+  const double scaled = magnitude * kExactPowersOfTen[decimals];
+  if (scaled < 1e14 || scaled >= 1e15) return false;
+  const double nearest = NearestInteger(scaled);
+  if (std::fabs(scaled - nearest) > 0.4375) return false;
+  AppendFixed(static_cast<std::uint64_t>(nearest), decimals, negative, out);
+  return true;
+}
+
+// Appends the finite, non-zero value rounded to 15 significant digits, in
+// fixed form without trailing zeros, whatever its size.
+void AppendRounded(double value, std::u16string& out) {
+  // d.dddddddddddddde-ddd
+  char buffer[32];
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, std::fabs(value), std::chars_format::scientific,
+                                    kSignificantDigits - 1);
+  const std::string_view text(buffer, static_cast<std::size_t>(result.ptr - buffer));
+  const std::size_t e = text.find('e');
+  std::string digits = std::string(text.substr(0, 1)).append(text.substr(2, e - 2));
+  digits.erase(digits.find_last_not_of('0') + 1);
+  int exponent = 0;
+  std::from_chars(text.data() + e + (text[e + 1] == '+' ? 2 : 1), text.data() + text.size(), exponent);
+
+  std::string fixed = value < 0 ? "-" : "";
+  if (exponent < 0) {
+    fixed.append("0.").append(static_cast<std::size_t>(-exponent - 1), '0').append(digits);
+  } else {
+    const auto integerDigits = static_cast<std::size_t>(exponent) + 1;
+    if (digits.size() <= integerDigits) {
+      fixed.append(digits).append(integerDigits - digits.size(), '0');
+    } else {
+      fixed.append(digits, 0, integerDigits).append(".").append(digits, integerDigits);
     }
   }
-  return false;
+  utf::AppendAscii(fixed, out);
 }
 
 }  // namespace
@@ -259,12 +301,7 @@ void AppendCalcNumber(double value, std::u16string& out) {
   if (std::isnan(value)) return append(std::signbit(value) ? "-nan" : "nan");
   if (std::isinf(value)) return append(value < 0 ? "-inf" : "inf");
   if (value == 0) return append("0");
-  if (AppendShortDecimal(value, out)) return;
-  // The longest fixed forms are those of the smallest doubles: "0.", 307 to
-  // 323 zeros and up to 17 digits, with a sign.
-  char buffer[400];
-  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed);
-  append(std::string_view(buffer, static_cast<std::size_t>(result.ptr - buffer)));
+  if (!AppendRoundedQuickly(value, out)) AppendRounded(value, out);
 }
 
 WideString FormatCalcNumber(double value) {

@@ -29,11 +29,12 @@ char16_t UserDecimalSeparator();
 // host whose decimal separator is decimal; made for loops over many records.
 double ReadUserNumber(std::u16string_view operand, char16_t decimal);
 
-// value as people write it: integers without a decimal point ("20"), other
-// values in the shortest form that reads back to the same double ("3.5",
-// "0.1"), never with an exponent, whatever the size; negative zero as "0";
-// "inf", "-inf", "nan", "-nan" as the C library's printf spells them. Always
-// "." as decimal point, independent of any locale.
+// value as people write it: rounded to 15 significant digits (half to
+// even), without trailing zeros, so that 0.1 + 0.2 gives "0.3" and integers
+// have no decimal point ("20"); never with an exponent, whatever the size
+// (1e21 gives "1000000000000000000000", 1e-7 "0.0000001"); negative zero
+// as "0"; "inf", "-inf", "nan", "-nan" as the C library's printf spells them. Always "." as decimal point, independent of
+// any locale.
 WideString FormatCalcNumber(double value);
 // The same, appended to out.
 void AppendCalcNumber(double value, std::u16string& out);

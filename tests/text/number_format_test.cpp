@@ -5,6 +5,8 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <mutex>
 #include <random>
@@ -54,54 +56,82 @@ TEST(StripUserDecimal, KeepsTheNumberWithAPoint) {
 TEST(FormatCalcNumber, WritesAsPeopleDo) {
   test::TestHost host;
   host.localizedDecimal = ",";  // results keep "." whatever the user's setting
-  // A sum keeps its last digit; extremes read back exactly, and nothing has an exponent.
-  const std::pair<double, const char*> cases[] = {
-      {20, "20"}, {3.5, "3.5"}, {0.1, "0.1"}, {0.1 + 0.2, "0.30000000000000004"}, {-2.25, "-2.25"}, {-0.0, "0"},
-      {1e21, "1000000000000000000000"}, {1e-7, "0.0000001"}, {kInf, "inf"}, {-kInf, "-inf"}, {kNaN, "nan"},
-      {-kNaN, "-nan"},
+  const struct {
+    const char* name;
+    double value;
+    const char* want;
+  } cases[] = {
+      {"Integer", 20, "20"}, {"Half", 7.0 / 2, "3.5"}, {"Tenth", 0.1, "0.1"},
+      {"SumWithoutNoise", 0.1 + 0.2, "0.3"}, {"PriceTimesStock", 345.16 * 2507, "865316.12"},
+      {"Negative", -2.25, "-2.25"}, {"NegativeZero", -0.0, "0"}, {"Third", 1.0 / 3, "0.333333333333333"},
+      {"RoundsUp", 2.0 / 3, "0.666666666666667"}, {"FifteenDigits", 123456789012345.0, "123456789012345"},
+      {"SixteenDigitsRound", 1234567890123456.0, "1234567890123460"},
+      {"CarryGivesAPowerOfTen", 999999999999999.9, "1000000000000000"},
+      {"LargeWithoutExponent", 1e21, "1000000000000000000000"},
+      {"LargeKeepsFifteenDigits", 1.2345678901234567e20, "123456789012346000000"},
+      {"SmallWithoutExponent", 1e-7, "0.0000001"}, {"SmallKeepsFifteenDigits", 1.0 / 3e10, "0.0000000000333333333333333"},
+      {"ExactTieToEven", 0x1p-22, "0.000000238418579101562"}, {"Infinity", kInf, "inf"}, {"MinusInfinity", -kInf, "-inf"},
+      {"NaN", kNaN, "nan"}, {"MinusNaN", -kNaN, "-nan"},
   };
-  for (const auto& [value, want] : cases) EXPECT_EQ(FormatCalcNumber(value).ToUTF8(), want);
-  for (double value : {std::numeric_limits<double>::denorm_min(), std::numeric_limits<double>::min(),
-                       std::numeric_limits<double>::lowest(), 123456.789, -0.000123}) {
-    const std::string text = FormatCalcNumber(value).ToUTF8();
-    EXPECT_EQ(text.find_first_of("eE"), std::string::npos) << text;
-    EXPECT_EQ(PMString(text).GetAsDouble(), value) << text;
-  }
+  for (const auto& c : cases) EXPECT_EQ(FormatCalcNumber(c.value).ToUTF8(), c.want) << c.name;
+  const std::string tiny = FormatCalcNumber(std::numeric_limits<double>::denorm_min()).ToUTF8();
+  EXPECT_EQ(tiny, "0." + std::string(323, '0') + "494065645841247");
+  EXPECT_EQ(FormatCalcNumber(std::numeric_limits<double>::lowest()).ToUTF8(),
+            "-179769313486232" + std::string(294, '0'));
 }
 
-// Short decimals take a quicker way in and out; both must agree with the
-// C++ library's correctly rounded reading and shortest writing everywhere.
-TEST(CalcNumbers, QuickPathsAgreeWithTheLibrary) {
-  std::mt19937_64 random(7);
-  const auto reference = [](double value) {
-    char buffer[400];
-    const char* end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed).ptr;
-    return std::string(buffer, static_cast<std::size_t>(end - buffer));
+// The quick ways in and out must agree with the C library everywhere: a
+// result reads back as the value printf rounds to 15 significant digits, in
+// fixed form without trailing zeros; an operand reads as from_chars reads it.
+TEST(CalcNumbers, AgreeWithTheCLibrary) {
+  const auto rounded = [](double value) {
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, "%.15g", value);
+    return std::strtod(buffer, nullptr);
   };
-  // Where the quick way gives up: a value times 10^k near 2^52.
-  std::vector<double> edges;
-  for (const double power : {1.0, 10.0, 100.0, 1000.0, 10000.0}) {
-    double above = 0x1p52 / power, below = above;
-    for (int step = 0; step < 8; ++step) {
-      edges.push_back(above);
-      edges.push_back(below);
+  const auto check = [&](double value) {
+    const std::string text = FormatCalcNumber(value).ToUTF8();
+    ASSERT_EQ(std::strtod(text.c_str(), nullptr), rounded(value)) << text;
+    ASSERT_EQ(text.find_first_of("eE"), std::string::npos) << text;
+    const std::size_t point = text.find('.');
+    if (point != std::string::npos) {
+      ASSERT_NE(text.back(), '0') << text;
+    }
+    std::string digits = text;
+    std::erase_if(digits, [](char c) { return c < '0' || c > '9'; });
+    digits.erase(0, digits.find_first_not_of('0'));
+    if (point == std::string::npos) digits.erase(digits.find_last_not_of('0') + 1);
+    ASSERT_LE(digits.size(), 15u) << text;
+  };
+  // Where the quick way changes its number of decimals or gives up, and
+  // values whose 16th digit is a 5.
+  for (int power = -9; power <= 17; ++power) {
+    double above = std::pow(10.0, power), below = above;
+    for (int step = 0; step < 4; ++step) {
+      check(above);
+      check(below);
       above = std::nextafter(above, 1e300);
       below = std::nextafter(below, 0.0);
     }
+    check(1.234567890123455 * std::pow(10.0, power));
+    check(std::ldexp(1.0, power * 4));
   }
-  for (const double value : edges) ASSERT_EQ(FormatCalcNumber(value).ToUTF8(), reference(value)) << value;
+  std::mt19937_64 random(7);
   for (int i = 0; i < 50000; ++i) {
     // Prices times quantities, short decimals of every size, and any double.
     const double price = static_cast<double>(random() % 100000) / 100, stock = static_cast<double>(random() % 1000);
     const double scaled = static_cast<double>(random() % 100000000) / std::pow(10.0, static_cast<int>(random() % 12));
     const double raw = std::bit_cast<double>(random());
-    for (const double value : {price * stock, price, scaled, -scaled, raw}) {
+    for (const double value : {price * stock, price / 3, scaled, -scaled, raw}) {
       if (std::isnan(value) || std::isinf(value) || value == 0) continue;
-      const std::string want = reference(value);
-      ASSERT_EQ(FormatCalcNumber(value).ToUTF8(), want);
+      check(value);
+      char shortest[400];
+      const char* end = std::to_chars(shortest, shortest + sizeof shortest, std::fabs(value), std::chars_format::fixed).ptr;
       double read = 0;
-      std::from_chars(want.data() + (value < 0), want.data() + want.size(), read);
-      ASSERT_EQ(ReadUserNumber(WideString(want).Units(), u'.'), read) << want;
+      std::from_chars(shortest, end, read);
+      ASSERT_EQ(ReadUserNumber(WideString(std::string_view(shortest, static_cast<std::size_t>(end - shortest))).Units(),
+                               u'.'),
+                read);
     }
   }
 }

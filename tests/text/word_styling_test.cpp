@@ -52,6 +52,8 @@ TEST(WordStyling, ProcessTypesComputeTheirField) {
       {"CalcLeftToRight", Type("Calc", "2+3*4"), "20"}, {"CalcLeadingMinus", Type("Calc", "-5+2"), "-3"},
       {"CalcFromField", Type("Calc", "[price]*4"), "1"}, {"CalcFraction", Type("Calc", "7/2"), "3.5"},
       {"CalcDivisionByZero", Type("Calc", "1/0"), "inf"},
+      // At most 15 significant digits: the binary noise of sums and products never shows.
+      {"CalcPriceTimesStock", Type("Calc", "345.16*2507"), "865316.12"}, {"CalcSum", Type("Calc", "0.1+0.2"), "0.3"},
       {"Exif", Type("Exif", "<EXIF>'[name]'=='Nut','yes','no'</EXIF>"), "yes"},
       {"ExifTooShort", Type("Exif", "<EXIF></EXIF"), ""},
       {"Left", Type("Left", "abcdef", {{"StringLength", "3"}}), "abc"},

@@ -10,6 +10,7 @@
 #include "cli_host.h"
 #include "run.h"
 #include "talp/talp_remote.h"
+#include "talp/version.h"
 #include "temp_folder.h"
 #include "test_host.h"
 
@@ -198,11 +199,14 @@ TEST(TalpStatus, IsTheOperationsStatus) {
   EXPECT_EQ(update.out, "");  // operations without a result print nothing
 }
 
-TEST(TalpHelp, PrintsUsage) {
-  const TalpRun run = Talp({"tables", "--help"});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_NE(run.out.find("Usage: talp OPERATION"), std::string::npos);
-  EXPECT_TRUE(run.calls.empty());
+TEST(TalpHelp, PrintsUsageOrVersionAndRunsNothing) {
+  const TalpRun help = Talp({"tables", "--help"}), version = Talp({"tables", "--version", "--bad-option"});
+  EXPECT_NE(help.out.find("Usage: talp OPERATION"), std::string::npos);
+  EXPECT_EQ(version.out, "talp " TALP_VERSION "\n");
+  for (const TalpRun& run : {help, version}) {
+    EXPECT_EQ(run.status, 0);
+    EXPECT_TRUE(run.calls.empty());
+  }
 }
 
 TEST(TalpProgress, FormatsPercentOrCount) {

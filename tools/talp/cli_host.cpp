@@ -17,6 +17,7 @@ CliHost::CliHost(std::ostream& err, std::FILE* terminal, host::AnsiText ansi)
 CliHost::~CliHost() { Erase(); }
 
 void CliHost::InformationAlert(const PMString& message) {
+  if (silent_) return;
   const std::lock_guard lock(mutex_);
   Erase();
   PlatformHostServices::InformationAlert(message);

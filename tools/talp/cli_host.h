@@ -33,6 +33,9 @@ class CliHost : public host::PlatformHostServices {
   void RemarkOnFile(const PMString& path, host::FileRemark remark) override;
 
   void Note(const std::string& text);
+  // While silent, alerts are not shown: talp's own extra calls (the column
+  // names for --json) must not repeat what the operation said.
+  void SilenceAlerts(bool silent) { silent_ = silent; }
 
  private:
   void Erase();
@@ -45,6 +48,7 @@ class CliHost : public host::PlatformHostServices {
   std::chrono::steady_clock::time_point start_;
   std::chrono::steady_clock::time_point lastDrawn_;
   bool shown_ = false;
+  bool silent_ = false;  // set and read on the operation's thread, where alerts come from
 };
 
 }  // namespace talp::cli

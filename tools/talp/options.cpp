@@ -137,8 +137,15 @@ ParseResult ParseOptions(const std::vector<std::string>& args, const Environment
       options.help = true;
       return parsed;
     }
-    if (arg == "--raw" || arg == "--utf16" || arg == "--pretty") {
-      options.output = arg == "--raw" ? OutputMode::kRaw : arg == "--utf16" ? OutputMode::kUtf16 : OutputMode::kPretty;
+    if (arg == "--version") {
+      options.version = true;
+      return parsed;
+    }
+    if (arg == "--raw" || arg == "--utf16" || arg == "--pretty" || arg == "--json") {
+      options.output = arg == "--raw"     ? OutputMode::kRaw
+                       : arg == "--utf16" ? OutputMode::kUtf16
+                       : arg == "--json"  ? OutputMode::kJson
+                                          : OutputMode::kPretty;
       continue;
     }
     // An option with a value: "--name value", "--name=value" or "-d value".
@@ -281,11 +288,18 @@ Output:
   --raw                     the result as UTF-8, byte for byte
   --utf16                   the result as UTF-16LE, without byte-order mark
   --pretty                  records per line, fields in aligned columns
+  --json                    one JSON document (UTF-8): names as strings, list
+                            entries as {"key", "sort"}, records as objects
+                            keyed by column name
                             (default: --pretty on a terminal, --raw otherwise)
 
 Scripts (".js" and ".jsx" files of the "Custom" source and of "Script" processes):
   --script-time-limit SECONDS   how long one run may take (default 10)
   --script-memory-limit MB      how much memory its engine may hold (default 256)
+
+Help:
+  -h, --help                this text
+  --version                 talp's version
 
 Alerts go to standard error as 'alert: MESSAGE'. The exit status is the
 operation's status (0 where it has none), 2 for a usage error.

@@ -12,7 +12,7 @@
 
 namespace talp::cli {
 
-enum class OutputMode { kAuto, kRaw, kUtf16, kPretty };
+enum class OutputMode { kAuto, kRaw, kUtf16, kPretty, kJson };
 
 struct Options {
   std::string operation;
@@ -25,6 +25,7 @@ struct Options {
   std::optional<double> scriptSeconds;
   std::optional<std::uint64_t> scriptMegabytes;
   bool help = false;
+  bool version = false;
 };
 
 // The environment variables talp reads; null when unset.

@@ -94,6 +94,7 @@ void WriteResult(const WideString& result, OutputMode mode, std::ostream& out) {
       break;
     case OutputMode::kRaw:
     case OutputMode::kAuto:
+    case OutputMode::kJson:  // written by WriteJson, which needs more than the result
       WriteUTF8(result.Units(), out);
       break;
   }

@@ -12,9 +12,11 @@
 #include "host/unique_fd.h"
 #include "host/script_runner.h"
 #include "host/unit_search.h"
+#include "json_output.h"
 #include "options.h"
 #include "talp/host_services.h"
 #include "output.h"
+#include "talp/version.h"
 #include "text/record_template.h"
 #include "text/search_replace.h"
 #include "text/text_handlers.h"
@@ -134,6 +136,30 @@ int RunOperation(ITALPRemote& remote, const Invocation& call, WideString& result
   return 0;
 }
 
+// How --json reads the operation's result.
+JsonLayout LayoutOf(const std::string& op) {
+  if (op == "list") return JsonLayout::kEntries;
+  if (op == "loop" || op == "group") return JsonLayout::kRecords;
+  if (op == "record") return JsonLayout::kRecord;
+  if (op == "style") return JsonLayout::kFields;
+  if (op == "get") return JsonLayout::kTable;
+  return JsonLayout::kNames;
+}
+
+// The names that key the records of --json: the column list of the same
+// descriptor and styling, asked without showing its alerts again.
+JsonKeys KeysFor(ITALPRemote& remote, const Invocation& call, CliHost& cliHost) {
+  JsonKeys keys;
+  const std::string& op = call.options.operation;
+  if (op != "loop" && op != "record" && op != "group") return keys;
+  cliHost.SilenceAlerts(true);
+  remote.GetColumnList(call.descriptor, call.WideText("styling"), keys.names);
+  cliHost.SilenceAlerts(false);
+  const PMString group = call.Field(14);
+  keys.grouped = op != "loop" && !group.IsEmpty() && group != PMString("None");
+  return keys;
+}
+
 }  // namespace
 
 int RunTalp(ITALPRemote& remote, const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
@@ -141,6 +167,10 @@ int RunTalp(ITALPRemote& remote, const std::vector<std::string>& args, std::ostr
   const ParseResult parsed = ParseOptions(args, environment);
   if (parsed.options.help) {
     out << UsageText();
+    return 0;
+  }
+  if (parsed.options.version) {
+    out << "talp " << LibraryVersion() << '\n';
     return 0;
   }
   if (!parsed.error.empty()) {
@@ -163,7 +193,11 @@ int RunTalp(ITALPRemote& remote, const std::vector<std::string>& args, std::ostr
   if (hasResult) {
     OutputMode mode = options.output;
     if (mode == OutputMode::kAuto) mode = outIsTerminal ? OutputMode::kPretty : OutputMode::kRaw;
-    WriteResult(result, mode, out);
+    if (mode == OutputMode::kJson) {
+      WriteJson(result, LayoutOf(options.operation), KeysFor(remote, call, cliHost), out);
+    } else {
+      WriteResult(result, mode, out);
+    }
   }
   return status;
 }

@@ -1,0 +1,7 @@
+#include "talp/version.h"
+
+namespace talp {
+
+const char* LibraryVersion() { return TALP_VERSION; }
+
+}  // namespace talp

@@ -7,8 +7,10 @@
 #include <poll.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <cstring>
 
@@ -94,8 +96,17 @@ host::UniqueFd connect_w_to(const std::string& host, int port) {
   }
   // poll rather than select: a host process may well hold descriptors
   // beyond what an fd_set can name.
+  // A signal that interrupts the wait is no time-out: the wait goes on for
+  // the time that is left.
   pollfd writable{socket.Get(), POLLOUT, 0};
-  if (::poll(&writable, 1, kConnectTimeoutMs) <= 0) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kConnectTimeoutMs);
+  int ready = 0;
+  for (;;) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    ready = ::poll(&writable, 1, static_cast<int>(std::max<std::int64_t>(left.count(), 0)));
+    if (ready >= 0 || errno != EINTR) break;
+  }
+  if (ready <= 0) {
     CAlert::InformationAlert("Timeout");
     return {};
   }
@@ -130,8 +141,12 @@ int recieve_packet(int socket, std::string& data) {
   // run past the buffer.
   std::array<char, kReceiveBufferSize + 1> buffer{};
   data = buffer.data();
-  while (::recv(socket, buffer.data(), kReceiveBufferSize, 0) >= 1) data.append(buffer.data());
-  return 0;
+  for (;;) {
+    const ssize_t got = ::recv(socket, buffer.data(), kReceiveBufferSize, 0);
+    if (got < 0 && errno == EINTR) continue;  // a signal cuts nothing short
+    if (got < 1) return 0;
+    data.append(buffer.data());
+  }
 }
 
 }  // namespace talp

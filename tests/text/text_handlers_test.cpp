@@ -7,15 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "text_cases.h"
+
 namespace talp {
 namespace {
 
-WideString W(std::u16string_view units) { return WideString::FromUTF16(units); }
-std::u16string U(const WideString& text) { return std::u16string(text.Units()); }
-std::u16string U(const PMString& text) { return U(text.AsWide()); }
-
-// A surrogate pair (one character) and its first unit alone (another one).
-#define SMILE u"\U0001F600"
+// The first unit of SMILE alone, a character of its own.
 #define LONE_HIGH u"\xD83D"
 
 // myGetLine, GetUnicodeItem and GetUnicode32Item count fields alike. fields[n]
@@ -45,8 +42,8 @@ TEST(TextHandlersTest, SingleCharacterFields) {
       const long n = i < c.fields.size() ? static_cast<long>(i) : i == c.fields.size() ? LONG_MIN : LONG_MAX;
       const std::u16string want = i < c.fields.size() ? c.fields[i] : u"";
       SCOPED_TRACE(std::string(c.name) + ", field " + std::to_string(n));
-      EXPECT_EQ(U(myGetLine(PMString(W(c.text)), c.separator, static_cast<int>(std::clamp<long>(n, INT_MIN, INT_MAX)))),
-                want);
+      const int clamped = static_cast<int>(std::clamp<long>(n, INT_MIN, INT_MAX));
+      EXPECT_EQ(U(myGetLine(PMString(W(c.text)), c.separator, clamped).AsWide()), want);
       WideString out = W(u"stale");
       GetUnicode32Item(out, W(c.text), c.separator, n);
       EXPECT_EQ(U(out), want);
@@ -122,17 +119,13 @@ TEST(TextHandlersTest, MultiCharacterItems) {
 }
 
 TEST(TextHandlersTest, DeleteFirstLastCharacters) {
-  const struct {
-    std::u16string_view text, want;
-  } cases[] = {
-      {u"\"x\"", u"x"}, {u"abcd", u"bc"}, {u"ab", u"ab"}, {u"\"\"", u"\"\""}, {u"", u""},
-      {SMILE u"x" SMILE, u"x"}, {SMILE SMILE, SMILE SMILE},
+  const TextCase cases[] = {
+      {"OneAtEachEnd", u"\"ab\"", u"ab"},
+      {"TwoCharactersStay", u"\"\"", u"\"\""},
+      {"PairsAreCharacters", SMILE u"x" SMILE, u"x"},
+      {"TwoPairsStay", SMILE SMILE, SMILE SMILE},
   };
-  for (const auto& c : cases) {
-    WideString text = W(c.text);
-    DeleteFirstLastCharacters(text);
-    EXPECT_EQ(U(text), c.want) << "from " << testing::PrintToString(std::u16string(c.text));
-  }
+  ExpectEach(cases, DeleteFirstLastCharacters);
 }
 
 TEST(TextHandlersTest, GetIndexOfHeaderField) {

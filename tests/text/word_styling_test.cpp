@@ -94,36 +94,34 @@ TEST(WordStyling, ProcessTypesComputeTheirField) {
   }
 }
 
+// Each styling text restyles its record and appends the names of its computed fields to a header.
 TEST(WordStyling, WholeDocuments) {
   const struct {
     const char* name;
-    std::string styling, header, record, want;
+    std::string styling, header, record, want, names;
   } cases[] = {
       // Records of the loops end with a TAB, which becomes the CR before the
       // first computed value; a record without it gets its last field extended.
-      {"ValuesFollowTheRecordWithoutASeparatorOfTheirOwn", Document({Type("Concatenate", "x")}), "n", "a\tb",
-       "a\rbx\r"},
-      {"TableIsAFindReplaceCleaningAndKeepsTabs", "nut\tbolt\rM4\tM5", "name\rsize", "nut\tM4", "bolt\tM5"},
-      {"WithoutProcessesOnlyTabsTurnIntoCRs", "<?xml version=\"1.0\"?><Styling/>", "a\rb", "1\t2", "1\r2"},
+      {"ValuesFollowTheRecordWithoutASeparatorOfTheirOwn",
+       Document({{{"OutputField", "total"}, {"ProcessType", "Calc"}, {"ProcessInfo", "1+1"}},
+                 {{"OutputField", "label"}, {"ProcessType", "Concatenate"}, {"ProcessInfo", "x"}}}),
+       "n", "a\tb", "a\rb2\rx\r", "total\rlabel\r"},
+      {"TableIsAFindReplaceCleaningAndKeepsTabs", "nut\tbolt\rM4\tM5", "name\rsize", "nut\tM4", "bolt\tM5", ""},
+      {"WithoutProcessesOnlyTabsTurnIntoCRs", "<?xml version=\"1.0\"?><Styling/>", "a\rb", "1\t2", "1\r2", ""},
       // An unclosed element runs to the end of the document.
-      {"UnclosedElement", "<?xml?><Process><OutputField>a</OutputField><ProcessType>Calc", "n", "x\t", "x\r0\r"},
+      {"UnclosedElement", "<?xml?><Process><OutputField>a</OutputField><ProcessType>Calc", "n", "x\t", "x\r0\r",
+       "a\r"},
       {"NoOutputFieldAndNegativeLength",
        "<?xml?><Process><ProcessType>Left</ProcessType><StringLength>-99</StringLength></Process>", "n", "x\t",
-       "x\r\r"},
+       "x\r\r", "\r"},
   };
-  for (const auto& c : cases) EXPECT_EQ(Styled(c.styling, c.header, c.record), c.want) << c.name;
-}
-
-TEST(WordStyling, FieldsLineUpWithTheirNames) {
-  const std::string doc = Document({{{"OutputField", "total"}, {"ProcessType", "Calc"}, {"ProcessInfo", "1+1"}},
-                                    {{"OutputField", "label"}, {"ProcessType", "Concatenate"}, {"ProcessInfo", "x"}}});
-  WideString columns("name\r");
-  AppendHeaderFromWordStyling(WideString(doc), columns);
-  EXPECT_EQ(columns.ToUTF8(), "name\rtotal\rlabel\r");
-  EXPECT_EQ(Styled(doc, "name", "a\t"), "a\r2\rx\r");
-  WideString unchanged("name\r");
-  AppendHeaderFromWordStyling(WideString("a\tb"), unchanged);
-  EXPECT_EQ(unchanged.ToUTF8(), "name\r");
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(Styled(c.styling, c.header, c.record), c.want);
+    WideString columns(c.header + "\r");
+    AppendHeaderFromWordStyling(WideString(c.styling), columns);
+    EXPECT_EQ(columns.ToUTF8(), c.header + "\r" + c.names);
+  }
 }
 
 // A CR in a value starts a new field of the loop's record; a TAB stays inside

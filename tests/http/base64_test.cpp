@@ -16,8 +16,8 @@ TEST(Base64Encode, WritesGroupsOfFourAndNothingBeyond) {
     const char* name;
     std::string input, expected;
   } rows[] = {
-      {"empty", "", ""}, {"one_zero_byte", std::string(1, '\0'), "AA=="}, {"two_bytes", "ab", "YWI="},
-      {"three_bytes", "abc", "YWJj"}, {"rfc_foobar", "foobar", "Zm9vYmFy"}, {"rfc_fooba", "fooba", "Zm9vYmE="},
+      {"empty", "", ""}, {"one_zero_byte", std::string(1, '\0'), "AA=="}, {"rfc_foobar", "foobar", "Zm9vYmFy"},
+      {"rfc_fooba", "fooba", "Zm9vYmE="},
       {"plus_and_slash", "\xfb\xff\xbf", "+/+/"}, {"high_bytes", "\xff\xfe\xfd\x00\x01"s, "//79AAE="},
       {"long", std::string(100000, '\x5a'), longOutput + "Wg=="},
   };

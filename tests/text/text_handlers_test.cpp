@@ -7,15 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "text_cases.h"
+
 namespace talp {
 namespace {
 
-WideString W(std::u16string_view units) { return WideString::FromUTF16(units); }
-std::u16string U(const WideString& text) { return std::u16string(text.Units()); }
-std::u16string U(const PMString& text) { return U(text.AsWide()); }
-
-// A surrogate pair (one character) and its first unit alone (another one).
-#define SMILE u"\U0001F600"
+// The first unit of SMILE alone, a character of its own.
 #define LONE_HIGH u"\xD83D"
 
 // myGetLine, GetUnicodeItem and GetUnicode32Item count fields alike. fields[n]
@@ -45,8 +42,8 @@ TEST(TextHandlersTest, SingleCharacterFields) {
       const long n = i < c.fields.size() ? static_cast<long>(i) : i == c.fields.size() ? LONG_MIN : LONG_MAX;
       const std::u16string want = i < c.fields.size() ? c.fields[i] : u"";
       SCOPED_TRACE(std::string(c.name) + ", field " + std::to_string(n));
-      EXPECT_EQ(U(myGetLine(PMString(W(c.text)), c.separator, static_cast<int>(std::clamp<long>(n, INT_MIN, INT_MAX)))),
-                want);
+      const int clamped = static_cast<int>(std::clamp<long>(n, INT_MIN, INT_MAX));
+      EXPECT_EQ(U(myGetLine(PMString(W(c.text)), c.separator, clamped).AsWide()), want);
       WideString out = W(u"stale");
       GetUnicode32Item(out, W(c.text), c.separator, n);
       EXPECT_EQ(U(out), want);
@@ -122,46 +119,40 @@ TEST(TextHandlersTest, MultiCharacterItems) {
 }
 
 TEST(TextHandlersTest, DeleteFirstLastCharacters) {
-  const struct {
-    std::u16string_view text, want;
-  } cases[] = {
-      {u"\"x\"", u"x"}, {u"abcd", u"bc"}, {u"ab", u"ab"}, {u"\"\"", u"\"\""}, {u"", u""},
-      {SMILE u"x" SMILE, u"x"}, {SMILE SMILE, SMILE SMILE},
+  const TextCase cases[] = {
+      {"OneAtEachEnd", u"\"ab\"", u"ab"},
+      {"TwoCharactersStay", u"\"\"", u"\"\""},
+      {"PairsAreCharacters", SMILE u"x" SMILE, u"x"},
+      {"TwoPairsStay", SMILE SMILE, SMILE SMILE},
   };
-  for (const auto& c : cases) {
-    WideString text = W(c.text);
-    DeleteFirstLastCharacters(text);
-    EXPECT_EQ(U(text), c.want) << "from " << testing::PrintToString(std::u16string(c.text));
-  }
+  ExpectEach(cases, DeleteFirstLastCharacters);
 }
 
-TEST(TextHandlersTest, GetIndexOfHeaderField) {
+// Both look a name up in the same CR-separated names: the header index never
+// compares the name after the last CR, the record value does. A value is
+// decoded, entities first and "&amp;" last, then markers.
+TEST(TextHandlersTest, GetIndexOfHeaderFieldAndFindDataInRecord) {
   const struct {
     const char* name;
-    std::u16string_view header, field;
-    int want;
+    std::u16string_view names, values, field;
+    int index;
+    std::u16string_view value;  // "untouched" when the output is left alone
   } cases[] = {
-      {"LastNameWithoutCRNeverFound", u"id\rname", u"name", -1}, {"LastNameWithCR", u"id\rname\r", u"name", 2},
-      {"First", u"id\rname\r", u"id", 1}, {"FirstOfEqualNames", u"id\rid\r", u"id", 1},
-      {"EmptyNameIsFieldZero", u"id\r", u"", 0}, {"EmptyHeader", u"", u"id", -1},
-  };
-  for (const auto& c : cases) EXPECT_EQ(GetIndexOfHeaderField(W(c.header), W(c.field)), c.want) << c.name;
-}
-
-TEST(TextHandlersTest, FindDataInRecord) {
-  const struct {
-    const char* name;
-    std::u16string_view names, values, field, want;
-  } cases[] = {
-      {"LastNameIsFound", u"a\rb\rc", u"1\r2\r3", u"c", u"3"}, {"FirstOfEqualNames", u"a\ra", u"1\r2", u"a", u"1"},
-      {"MissingValueIsEmpty", u"a\rb", u"1", u"b", u""}, {"UnknownLeavesOut", u"a", u"1", u"z", u"untouched"},
-      // Entities first, "&amp;" last, then markers.
-      {"Decoded", u"a", u"&amp;lt;&amp;apos;&lt;br&gt;<tb>&quot;<br>&apos;<sr>&gt;", u"a", u"&lt;&apos;\r\t\"\r'\n>"},
+      {"LastNameWithoutCR", u"id\rname", u"1\r2", u"name", -1, u"2"},
+      {"LastNameWithCR", u"id\rname\r", u"1\r2\r", u"name", 2, u"2"},
+      {"FirstOfEqualNames", u"id\rid\r", u"1\r2\r", u"id", 1, u"1"},
+      {"EmptyNameIsFieldZero", u"id\r", u"1\r", u"", 0, u""},
+      {"EmptyHeader", u"", u"", u"id", -1, u"untouched"},
+      {"MissingValueIsEmpty", u"a\rb\r", u"1", u"b", 2, u""},
+      {"Decoded", u"a\r", u"&amp;lt;&amp;apos;&lt;br&gt;<tb>&quot;<br>&apos;<sr>&gt;", u"a", 1,
+       u"&lt;&apos;\r\t\"\r'\n>"},
   };
   for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(GetIndexOfHeaderField(W(c.names), W(c.field)), c.index);
     WideString out = W(u"untouched");
     FindDataInRecord(W(c.names), W(c.values), W(c.field), out);
-    EXPECT_EQ(U(out), c.want) << c.name;
+    EXPECT_EQ(U(out), c.value);
   }
 }
 

@@ -21,17 +21,7 @@ namespace {
 using host::AnsiText;
 using test::Slurp;
 using test::Spit;
-
-// units in UTF-16 with the mark of the byte order.
-std::string UTF16(std::u16string_view units, bool bigEndian) {
-  std::string bytes = bigEndian ? "\xFE\xFF" : "\xFF\xFE";
-  for (const char16_t unit : units) {
-    const char high = static_cast<char>(unit >> 8), low = static_cast<char>(unit & 0xFF);
-    bytes.push_back(bigEndian ? high : low);
-    bytes.push_back(bigEndian ? low : high);
-  }
-  return bytes;
-}
+using namespace std::string_literals;
 
 #define SMILE_UTF8 "\xF0\x9F\x98\x80"
 
@@ -67,16 +57,18 @@ TEST_F(FileUpdateTest, RewritesEveryMatchingRecord) {
 // order with pairs kept, and a file without a mark as the "ANSI" setting
 // read it. The host hears once when Windows-1252 was used on valid UTF-8.
 TEST_F(FileUpdateTest, KeepsTheEncodingTheFileWasReadIn) {
-  const std::u16string_view table = u"id\tname\tqty\r7\tnut\t5\r";
-  const std::u16string_view updated = u"id\tname\tqty\r7\t\u00C4\u6F22\U0001F600\t\r";
   const struct {
     const char* name;
     AnsiText ansi;
     std::string before, read, after;
     bool remark = false;
   } cases[] = {
-      {"UTF16LittleEndian", AnsiText::kWindows1252, UTF16(table, false), "nut", UTF16(updated, false)},
-      {"UTF16BigEndian", AnsiText::kUTF8WhereValid, UTF16(table, true), "nut", UTF16(updated, true)},
+      {"UTF16LittleEndian", AnsiText::kWindows1252,
+       "\xFF\xFEi\0d\0\t\0n\0a\0m\0e\0\t\0q\0t\0y\0\r\0" "7\0\t\0n\0u\0t\0\t\0" "5\0\r\0"s, "nut",
+       "\xFF\xFEi\0d\0\t\0n\0a\0m\0e\0\t\0q\0t\0y\0\r\0" "7\0\t\0\xC4\0\x22\x6F\x3D\xD8\x00\xDE\t\0\r\0"s},
+      {"UTF16BigEndian", AnsiText::kUTF8WhereValid,
+       "\xFE\xFF\0i\0d\0\t\0n\0a\0m\0e\0\t\0q\0t\0y\0\r\0" "7\0\t\0n\0u\0t\0\t\0" "5\0\r"s, "nut",
+       "\xFE\xFF\0i\0d\0\t\0n\0a\0m\0e\0\t\0q\0t\0y\0\r\0" "7\0\t\0\xC4\x6F\x22\xD8\x3D\xDE\x00\0\t\0\r"s},
       {"UTF8WithMark", AnsiText::kWindows1252, "\xEF\xBB\xBF" "id\tname\tqty\n7\tnut\t5\n", "nut",
        "\xEF\xBB\xBF" "id\tname\tqty\r7\t\xC3\x84\xE6\xBC\xA2" SMILE_UTF8 "\t\r"},
       {"Windows1252", AnsiText::kWindows1252, "id\tname\tqty\n7\tnut\xE9\t5\n", "nut\xC3\xA9",
@@ -108,7 +100,8 @@ TEST_F(FileUpdateTest, KeepsTheEncodingTheFileWasReadIn) {
   EXPECT_EQ(host.alerts, std::vector<std::string>{});
 }
 
-// Bytes behind a read stream that fails after the first good ones.
+// Bytes behind a read stream that fails after the first good ones, as no
+// real file does.
 class FailingReadStream : public host::FileReadStream {
  public:
   explicit FailingReadStream(std::string good) : good_(std::move(good)) {}
@@ -128,37 +121,31 @@ class FailingReadStream : public host::FileReadStream {
   bool failed_ = false;
 };
 
-// Whatever stops the read, the file on disk is neither replaced nor emptied.
+// Whatever stops the read, the file on disk is neither replaced nor emptied:
+// a folder in its place, which opens no stream (as a file that cannot be
+// opened), or a read that fails part way.
 TEST_F(FileUpdateTest, LeavesAFileItCouldNotReadAlone) {
-  enum class Fault { kFolder, kRefused, kFailsPartWay };
-  struct FaultyHost : test::TestHost {
-    Fault fault = Fault::kFolder;
-    std::unique_ptr<host::FileReadStream> OpenFileRead(const PMString& path) override {
-      if (fault == Fault::kRefused) return nullptr;
-      if (fault == Fault::kFailsPartWay) return std::make_unique<FailingReadStream>("id\tname\tqty\r7\tnut");
-      return TestHost::OpenFileRead(path);
+  struct FailingHost : test::TestHost {
+    std::unique_ptr<host::FileReadStream> OpenFileRead(const PMString&) override {
+      return std::make_unique<FailingReadStream>("id\tname\tqty\r7\tnut");
     }
-  } faulty;
+  };
   const std::string before = "id\tname\tqty\r7\tnut\t5\r8\tbolt\t2\r";
-  for (const Fault fault : {Fault::kFolder, Fault::kRefused, Fault::kFailsPartWay}) {
-    SCOPED_TRACE(static_cast<int>(fault));
-    const test::TempFolder own;
-    faulty.fault = fault;
-    faulty.alerts.clear();
-    if (fault == Fault::kFolder) {
-      std::filesystem::create_directory(own / "data.txt");
-    } else {
-      Spit(own / "data.txt", before);
-    }
-    updateBaseFieldWithInfoFile(WideString("x"), "name", "id", "7", own.Path("data.txt"));
-    ASSERT_FALSE(faulty.alerts.empty());
-    EXPECT_EQ(faulty.alerts.back(), "Could not update the file " + (own / "data.txt").string() +
-                                        ": it could not be read.");
-    if (fault != Fault::kFolder) {
-      EXPECT_EQ(Slurp(own / "data.txt"), before);
-    }
-    EXPECT_EQ(own.EntryCount(), 2u);  // the data file and its lock file, no temporary file
+  const auto cannotRead = [&](const char* name) {
+    return std::vector<std::string>{"Could not update the file " + (folder / name).string() + ": it could not be read."};
+  };
+  std::filesystem::create_directory(folder / "folder");
+  updateBaseFieldWithInfoFile(WideString("x"), "name", "id", "7", folder.Path("folder"));
+  EXPECT_EQ(host.alerts, cannotRead("folder"));
+  Spit(folder / "data.txt", before);
+  {
+    FailingHost failing;
+    updateBaseFieldWithInfoFile(WideString("x"), "name", "id", "7", folder.Path("data.txt"));
+    EXPECT_EQ(failing.alerts, cannotRead("data.txt"));
   }
+  EXPECT_EQ(Slurp(folder / "data.txt"), before);
+  EXPECT_TRUE(std::filesystem::is_empty(folder / "folder"));
+  EXPECT_EQ(folder.EntryCount(), 4u);  // each with its lock file, no temporary file
 }
 
 TEST_F(FileUpdateTest, GivesUpWhenAnotherUpdateHoldsTheLockTooLong) {

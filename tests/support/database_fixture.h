@@ -104,6 +104,15 @@ std::string SourceName(const testing::TestParamInfo<Source>& info);
                                            ::talp::test::Source::kOdbcMariaDB),                           \
                            ::talp::test::SourceName)
 
+// Runs operation with standard error captured; what it wrote there (the
+// drivers' diagnostics).
+template <typename Operation>
+std::string Diagnostics(const Operation& operation) {
+  testing::internal::CaptureStderr();
+  operation();
+  return testing::internal::GetCapturedStderr();
+}
+
 // Runs statement on an ODBC data source, given as a connection string,
 // directly through the driver manager; appends the rows as Rows does.
 void OdbcRun(const std::string& connection, const std::string& statement, std::vector<std::string>* rows = nullptr);

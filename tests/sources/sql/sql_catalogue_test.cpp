@@ -47,9 +47,8 @@ TEST_P(SqlCatalogue, ColumnList) {
     if (!Pick(c.mysql, c.odbc)) continue;
     alerts.alerts.clear();
     WideString result("untouched");
-    testing::internal::CaptureStderr();
-    const int status = Columns(c.table, result);
-    const std::string diagnostics = testing::internal::GetCapturedStderr();
+    int status = 0;
+    const std::string diagnostics = test::Diagnostics([&] { status = Columns(c.table, result); });
     EXPECT_EQ(result.ToUTF8(), Pick(c.mysql, c.odbc)) << c.table;
     EXPECT_EQ(status, result.ToUTF8() == "untouched" ? 1 : 0) << c.table;
     if (std::string(c.table) != "missing") continue;
@@ -79,9 +78,7 @@ TEST_P(SqlCatalogue, SearchString) {
   };
   for (const auto& c : cases) {
     PMString search(c.input);
-    testing::internal::CaptureStderr();
-    Search(c.table, search);
-    testing::internal::GetCapturedStderr();
+    test::Diagnostics([&] { Search(c.table, search); });
     EXPECT_EQ(search.GrabCString(), Pick(c.mysql, c.odbc)) << c.input << " in " << c.table;
   }
 }
@@ -113,9 +110,8 @@ TEST_P(SqlCatalogue, FailedConnect) {
     for (const auto& o : operations) {
       alerts.alerts.clear();
       WideString result("untouched");
-      testing::internal::CaptureStderr();
-      EXPECT_EQ(o.run(result), Odbc() ? o.odbc : o.mysql) << o.name;
-      const std::string diagnostics = testing::internal::GetCapturedStderr();
+      const std::string diagnostics =
+          test::Diagnostics([&] { EXPECT_EQ(o.run(result), Odbc() ? o.odbc : o.mysql) << o.name; });
       EXPECT_EQ(result.ToUTF8(), Odbc() ? o.odbcOutput : "untouched") << o.name;
       EXPECT_EQ(alerts.alerts, std::vector<std::string>(Odbc(), "Unable to connect to the data source!")) << o.name;
       EXPECT_TRUE(diagnostics.starts_with(!Odbc() ? "" : wrongPassword ? "1: SQLDriverConnect = [ma-" : unknown));

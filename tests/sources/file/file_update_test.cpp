@@ -100,36 +100,10 @@ TEST_F(FileUpdateTest, KeepsTheEncodingTheFileWasReadIn) {
   EXPECT_EQ(host.alerts, std::vector<std::string>{});
 }
 
-// Bytes behind a read stream that fails after the first good ones, as no
-// real file does.
-class FailingReadStream : public host::FileReadStream {
- public:
-  explicit FailingReadStream(std::string good) : good_(std::move(good)) {}
-  bool IsGood() const override { return !failed_; }
-  std::int64_t Size() const override { return -1; }
-  bool Seek(std::int64_t) override { return false; }
-  std::size_t Read(void* buffer, std::size_t n) override {
-    const std::size_t got = good_.copy(static_cast<char*>(buffer), n, at_);
-    at_ += got;
-    failed_ = got < n;
-    return got;
-  }
-
- private:
-  std::string good_;
-  std::size_t at_ = 0;
-  bool failed_ = false;
-};
-
 // Whatever stops the read, the file on disk is neither replaced nor emptied:
 // a folder in its place, which opens no stream (as a file that cannot be
-// opened), or a read that fails part way.
+// opened), or a read that fails part way, after the file's first bytes.
 TEST_F(FileUpdateTest, LeavesAFileItCouldNotReadAlone) {
-  struct FailingHost : test::TestHost {
-    std::unique_ptr<host::FileReadStream> OpenFileRead(const PMString&) override {
-      return std::make_unique<FailingReadStream>("id\tname\tqty\r7\tnut");
-    }
-  };
   const std::string before = "id\tname\tqty\r7\tnut\t5\r8\tbolt\t2\r";
   const auto cannotRead = [&](const char* name) {
     return std::vector<std::string>{"Could not update the file " + (folder / name).string() + ": it could not be read."};
@@ -139,7 +113,7 @@ TEST_F(FileUpdateTest, LeavesAFileItCouldNotReadAlone) {
   EXPECT_EQ(host.alerts, cannotRead("folder"));
   Spit(folder / "data.txt", before);
   {
-    FailingHost failing;
+    test::MemoryFileHost failing("id\tname\tqty\r7\tnut", 1 << 16, /*good=*/true, /*failsAtEnd=*/true);
     updateBaseFieldWithInfoFile(WideString("x"), "name", "id", "7", folder.Path("data.txt"));
     EXPECT_EQ(failing.alerts, cannotRead("data.txt"));
   }

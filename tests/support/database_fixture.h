@@ -47,9 +47,10 @@ class DatabaseTest : public testing::Test {
     return Odbc() ? fetchTableListODBC(user, password, dsn, out)
                   : fetchTableListSQL(host, port, user, password, database, out);
   }
-  int Columns(const PMString& table, WideString& out) {
+  // The query is MySQL's alone.
+  int Columns(const PMString& table, WideString& out, const PMString& query = "") {
     return Odbc() ? fetchColumnListODBC(user, password, dsn, table, out)
-                  : fetchColumnListSQL(host, port, user, password, database, table, "", out);
+                  : fetchColumnListSQL(host, port, user, password, database, table, query, out);
   }
   void Search(const PMString& table, PMString& search) {
     if (Odbc()) return CreateODBCSearchString(user, password, dsn, table, search);

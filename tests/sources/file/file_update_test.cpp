@@ -32,24 +32,23 @@ class FileUpdateTest : public testing::Test {
   test::TempFolder folder;
 };
 
+// Every record whose key field holds the key value is rebuilt with the
+// value, escaped, in its field; the other records stay as they were.
 TEST_F(FileUpdateTest, RewritesEveryMatchingRecord) {
-  const struct { const char *name, *before, *field, *keyField, *keyValue, *value, *after; } cases[] = {
-      {"EscapesTheValue", "id\tname\tqty\r7\tnut\t5", "name", "id", "7", "bolt\tM4",
-       "id\tname\tqty\r7\tbolt<tb>M4\t\r"},
+  const struct { const char *name, *before, *field, *value, *after; } cases[] = {
+      {"EscapesTheValue", "k\tv\tq\r7\tn\t5", "v", "b\tM\r\nx", "k\tv\tq\r7\tb<tb>M<br><sr>x\t\r"},
       // The rebuilt record loses its last field; aimed at it, nothing is written.
-      {"LastFieldIsDropped", "id\tname\tqty\r7\tnut\t5", "qty", "id", "7", "9", "id\tname\tqty\r7\tnut\t\r"},
-      {"LineBreaksBecomeMarkers", "id\tname\tqty\r7\tnut\t5\r", "name", "id", "7", "a\r\nb",
-       "id\tname\tqty\r7\ta<br><sr>b\t\r"},
-      {"EveryMatchAndNoMatchStillRewrites", "id\tv\tx\n1\ta\t.\n2\tb\t.\n1\tc\t.\n", "v", "id", "1", "z",
-       "id\tv\tx\r1\tz\t\r2\tb\t.\r1\tz\t\r"},
-      {"CommaFileStaysComma", "id,name,qty\n7,nut,5\n", "name", "id", "7", "nut, M4", "id,name,qty\r7,\"nut, M4\",\r"},
-      {"MissingFileBecomesEmptyUtf8", "", "name", "id", "7", "x", "\xEF\xBB\xBF"},
-      {"TooShortFileBecomesEmpty", "id", "name", "id", "7", "x", ""},
+      {"LastFieldIsDropped", "k\tv\tq\r7\tn\t5\r", "q", "9", "k\tv\tq\r7\tn\t\r"},
+      {"EveryMatchAndNoMatchStillRewrites", "k\tv\tx\n7\ta\t.\n2\tb\t.\n7\tc\t.\n", "v", "z",
+       "k\tv\tx\r7\tz\t\r2\tb\t.\r7\tz\t\r"},
+      {"CommaFileStaysComma", "k,v,q\n7,n,5\n", "v", "n, M4", "k,v,q\r7,\"n, M4\",\r"},
+      {"MissingFileBecomesEmptyUtf8", "", "v", "x", "\xEF\xBB\xBF"},
+      {"TooShortFileBecomesEmpty", "k", "v", "x", ""},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     if (*c.before) Spit(folder / c.name, c.before);
-    EXPECT_EQ(updateBaseFieldWithInfoFile(c.value, c.field, c.keyField, c.keyValue, folder.Path(c.name)), 0);
+    EXPECT_EQ(updateBaseFieldWithInfoFile(c.value, c.field, "k", "7", folder.Path(c.name)), 0);
     EXPECT_EQ(Slurp(folder / c.name), c.after);
   }
 }

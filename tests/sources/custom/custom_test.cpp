@@ -66,7 +66,6 @@ TEST(CustomSource, EachOperationsLayout) {
       {"ColumnsOnePerLine", all.Columns(), "sku\rname\rcat"},
       // Line 1 is never delivered, nor a last line without CR; the result is appended to.
       {"LoopFromLineTwo", all.Loop("", "x\r"), "x\r2\tbolt\tA\r3\twasher\tB\r4\tpin\tA\r"},
-      {"LoopSearchWord", all.Loop("WASHER"), "3\twasher\tB\r"},
       // The clause is tested against the first column, the header being TAB-separated.
       {"LoopWhereFirstColumn", all.Loop("where cat = '4'"), "4\tpin\tA\r"},
       {"RecordFromLineOne", all.Record("1"), "1\rnut\rA"},

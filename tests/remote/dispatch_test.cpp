@@ -126,6 +126,10 @@ TEST(Dispatch, EachTypeWordCallsItsSourceWithItsFields) {
       const int status = c.run(sources.table, PMString(Descriptor(types[i])), types[i], result);
       EXPECT_EQ(status, c.calls[i].empty() ? 0 : c.status);
       EXPECT_EQ(sources.calls, want);
+      // No source, no change: an unknown type word leaves the result as it was.
+      if (c.calls[i].empty()) {
+        EXPECT_EQ(result.ToUTF8(), "seed");
+      }
     }
   }
 }

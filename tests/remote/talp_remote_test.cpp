@@ -1,3 +1,6 @@
+// The provider's interface as hosts compiled against it see it. What it does
+// is the dispatch's (dispatch_test.cpp); reference counting, with and without
+// an owner, is covered through the module in the plug-in tests.
 #include "talp/talp_remote.h"
 
 #include <gtest/gtest.h>
@@ -25,17 +28,6 @@ TEST(ITALPRemote, SlotOrderIsTheCallersContract) {
       Slot(&R::GetSpecificRecord), Slot(&R::SendUpdateBaseFieldWithInfo), Slot(&R::SendConnectWithInfoSQL),
       Slot(&R::SendUsingHttpPost), Slot(&R::GetUsingHttpPost), Slot(&R::GetGroupDataLoop)};
   EXPECT_EQ(slots, (std::vector<std::ptrdiff_t>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13}));
-}
-
-// Reference counting without an owner is covered through the module in the plug-in tests.
-TEST(TALPRemote, UnknownTypeWordLeavesTheResultUntouched) {
-  TALPRemote remote;
-  const PMString nothing(";;;;;;;;;Nothing");
-  WideString result("untouched");
-  EXPECT_EQ(remote.GetRecordLoop(nothing, result, PMString()), 0);
-  EXPECT_EQ(remote.GetSpecificRecord(nothing, PMString("1"), WideString(), result), 0);
-  remote.GetGroupDataLoop(nothing, WideString(), result, PMString());
-  EXPECT_EQ(result.ToUTF8(), "untouched");
 }
 
 }  // namespace

@@ -47,9 +47,10 @@ class DatabaseTest : public testing::Test {
     return Odbc() ? fetchTableListODBC(user, password, dsn, out)
                   : fetchTableListSQL(host, port, user, password, database, out);
   }
-  int Columns(const PMString& table, WideString& out) {
+  // The query is MySQL's alone.
+  int Columns(const PMString& table, WideString& out, const PMString& query = "") {
     return Odbc() ? fetchColumnListODBC(user, password, dsn, table, out)
-                  : fetchColumnListSQL(host, port, user, password, database, table, "", out);
+                  : fetchColumnListSQL(host, port, user, password, database, table, query, out);
   }
   void Search(const PMString& table, PMString& search) {
     if (Odbc()) return CreateODBCSearchString(user, password, dsn, table, search);
@@ -103,6 +104,15 @@ std::string SourceName(const testing::TestParamInfo<Source>& info);
                            testing::Values(::talp::test::Source::kMySQL, ::talp::test::Source::kOdbcSQLite, \
                                            ::talp::test::Source::kOdbcMariaDB),                           \
                            ::talp::test::SourceName)
+
+// Runs operation with standard error captured; what it wrote there (the
+// drivers' diagnostics).
+template <typename Operation>
+std::string Diagnostics(const Operation& operation) {
+  testing::internal::CaptureStderr();
+  operation();
+  return testing::internal::GetCapturedStderr();
+}
 
 // Runs statement on an ODBC data source, given as a connection string,
 // directly through the driver manager; appends the rows as Rows does.

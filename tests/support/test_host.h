@@ -56,10 +56,13 @@ class TestHost : public host::PlatformHostServices {
 
 // Bytes in memory behind a read stream of unknown size that hands out at
 // most chunk bytes per read, so that pieces end inside characters and lines.
+// A stream that is not good is so from the start; one that fails at its end
+// turns bad with the read that gives its last bytes, as no real file does.
 class MemoryReadStream : public host::FileReadStream {
  public:
-  MemoryReadStream(std::string_view bytes, bool good, std::size_t chunk) : bytes_(bytes), good_(good), chunk_(chunk) {}
-  bool IsGood() const override { return good_; }
+  MemoryReadStream(std::string_view bytes, bool good, std::size_t chunk, bool failsAtEnd = false)
+      : bytes_(bytes), good_(good), failsAtEnd_(failsAtEnd), chunk_(chunk) {}
+  bool IsGood() const override { return good_ && !(failsAtEnd_ && at_ == bytes_.size()); }
   std::int64_t Size() const override { return -1; }
   bool Seek(std::int64_t) override { return false; }
   std::size_t Read(void* buffer, std::size_t n) override {
@@ -70,23 +73,23 @@ class MemoryReadStream : public host::FileReadStream {
 
  private:
   std::string_view bytes_;
-  bool good_;
+  bool good_, failsAtEnd_;
   std::size_t chunk_, at_ = 0;
 };
 
 // A test host whose every file, whatever its path, reads as bytes.
 class MemoryFileHost : public TestHost {
  public:
-  MemoryFileHost(std::string_view bytes, std::size_t chunk, bool good = true)
-      : bytes_(bytes), chunk_(chunk), good_(good) {}
+  MemoryFileHost(std::string_view bytes, std::size_t chunk, bool good = true, bool failsAtEnd = false)
+      : bytes_(bytes), chunk_(chunk), good_(good), failsAtEnd_(failsAtEnd) {}
   std::unique_ptr<host::FileReadStream> OpenFileRead(const PMString&) override {
-    return std::make_unique<MemoryReadStream>(bytes_, good_, chunk_);
+    return std::make_unique<MemoryReadStream>(bytes_, good_, chunk_, failsAtEnd_);
   }
 
  private:
   std::string_view bytes_;
   std::size_t chunk_;
-  bool good_;
+  bool good_, failsAtEnd_;
 };
 
 }  // namespace talp::test

@@ -23,23 +23,6 @@ class FileDataTest : public testing::Test {
   test::TempFolder folder;
 };
 
-TEST_F(FileDataTest, MergeDelimiterPicksTheStrictlyMostFrequent) {
-  const struct { const char* name; std::string line, want; } cases[] = {
-      {"Tabs", "a\tb\tc", "\t"},
-      {"Commas", "a,b,c;d", ","},
-      {"Semicolons", "a;b;c,d", ";"},
-      // A tie keeps the default, so such a file is read as one column per line.
-      {"CommaSemicolonTie", "a,b;c", "\t"},
-      {"QuotesAreNotLookedAt", "\"a,b\";c", "\t"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    PMString delimiter("\t");
-    GetMergeDelimiter(WideString(c.line), delimiter);
-    EXPECT_EQ(delimiter.GrabCString(), c.want);
-  }
-}
-
 TEST_F(FileDataTest, HeaderIndexFallsBackToTheLastColumn) {
   // byLines: FindIndexInLineHeader (CR) rather than FindIndexInHeader (TAB).
   const struct { const char* name; bool byLines; const char *list, *field; long index; } cases[] = {
@@ -57,37 +40,6 @@ TEST_F(FileDataTest, HeaderIndexFallsBackToTheLastColumn) {
     SCOPED_TRACE(c.name);
     EXPECT_EQ(c.byLines ? long{FindIndexInLineHeader(c.list, c.field)} : FindIndexInHeader(c.list, c.field), c.index);
   }
-}
-
-// The data comes in TABs and CRs whatever the form; the column list is its header, by CR.
-TEST_F(FileDataTest, ReadsEveryFormIntoTabsAndCRs) {
-  const struct { const char* name; std::string bytes, data, columns; } cases[] = {
-      {"TabUsedAsRead", "id\tname\n1\ta,b;c\n", "id\tname\r1\ta,b;c\r", "id\rname"},
-      {"CommaQuoted", "id,\"name, EUR\"\r\n1,\"Nut, M4\"\r\n2,\"say \"\"hi\"\"\"\r\n",
-       "id\tname, EUR\r1\tNut, M4\r2\tsay \"hi\"\r", "id\rname, EUR"},
-      {"Semicolon", "\xEF\xBB\xBFid;name\n1;Bolt\n", "id\tname\r1\tBolt\r", "id\rname"},
-      {"QuotedLineBreakStaysInTheRecord", "id,note\n1,\"two\nlines\"\n", "id\tnote\r1\ttwo<br>lines\r", "id\rnote"},
-      {"TieReadsAsOneColumn", "a,b;c\n1,2;3\n", "a,b;c\r1,2;3\r", "a,b;c"},
-      {"XmlTable", XML_DECL "\n<ROW>\n<id>1</id>\n<name>A &amp;quot; B~br~C</name>\n</ROW>\n",
-       "id\tname\r1\tA &quot; B<br>C", "id\rname"},
-      // A text of one character has no counted line but is its own header.
-      {"OneCharacter", "\xEF\xBB\xBF" "a", "a", "a"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    Spit(folder / c.name, c.bytes);
-    WideString data, columns("old");
-    GetFileData(folder.Path(c.name), data);
-    EXPECT_EQ(data.ToUTF8(), c.data);
-    EXPECT_EQ(fetchColumnListFile(folder.Path(c.name), columns), 0);
-    EXPECT_EQ(columns.ToUTF8(), c.columns);
-    EXPECT_EQ(Slurp(folder / c.name), c.bytes);  // reading never changes a file
-  }
-  // A missing file leaves the data alone and has no columns.
-  WideString data("kept"), columns("old");
-  GetFileData(folder.Path("missing"), data);
-  EXPECT_EQ(fetchColumnListFile(folder.Path("missing"), columns), 0);
-  EXPECT_EQ(data.ToUTF8() + "|" + columns.ToUTF8(), "kept|");
 }
 
 TEST_F(FileDataTest, SaveKeepsDelimiterFormAndEncoding) {

@@ -19,10 +19,13 @@ TEST_P(SqlUpdate, WritesTheQuotedValueAtTheUnquotedKey) {
   const struct { const char *value, *keyField, *keyValue, *rows, *alert = nullptr; } cases[] = {
       {"new", "id", "42", "42\tnew|43\told"},
       {"", "id", "43", "42\tnew|43\t"},
+      // Characters beyond the Basic Multilingual Plane go out whole (and come
+      // back whole: the record list of sql_records_test.cpp).
+      {"\xF0\x9F\x8E\xB8 \xF0\x9D\x84\x9E", "id", "43", "42\tnew|43\t\xF0\x9F\x8E\xB8 \xF0\x9D\x84\x9E"},
       {"x", "code", "'b'", "42\tnew|43\tx"},  // a text key brings its own quotes
       {"y", "id", "99", "42\tnew|43\tx"},     // no record: nothing happens, nothing is said
+      // The value is not escaped.
       {"it's", "id", "42", "42\tnew|43\tx", "syntax"},
-      {"z", "nope", "1", "42\tnew|43\tx", "nope"},
   };
   for (const auto& c : cases) {
     alerts.alerts.clear();

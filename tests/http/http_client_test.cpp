@@ -2,12 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "loopback_server.h"
+#include "temp_folder.h"
 #include "test_host.h"
 
 namespace talp {
@@ -53,13 +52,16 @@ TEST(GetClientList, ReadsUntilTheServerCloses) {
   EXPECT_EQ(text.find_first_not_of('a'), std::string::npos);
 }
 
-TEST(GetClientList, RefusedLeavesResultAlone) {
+// A refused connection, and a host without an address, which fails before any attempt.
+TEST(GetClientList, FailedConnectionLeavesResultAlone) {
   test::TestHost testHost;
   RefusingPort refusing;
   WideString result("old");
   GetClientList("http://127.0.0.1/list", refusing.Port(), result);
+  GetClientList("http:///list", 80, result);
   EXPECT_EQ(result, WideString("old"));
-  EXPECT_EQ(testHost.alerts, std::vector<std::string>{"Error in connection"});
+  EXPECT_EQ(testHost.alerts,
+            (std::vector<std::string>{"Error in connection", "CouldNotLookUpHostName", "Just an error"}));
 }
 
 // The upload request, byte for byte: the target keeps its doubled slash and the
@@ -98,14 +100,13 @@ TEST(RunHttpClient, SendsTheMultipartRequestByteForByte) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
     test::TestHost testHost;
-    const std::string path = testing::TempDir() + "talp_upload_" + row.name;
-    std::ofstream(path, std::ios::binary) << row.content;
+    const test::TempFolder folder;
+    test::Spit(folder / "upload", row.content);
     LoopbackServer server(LoopbackServer::Mode::kReadUntilClose);
-    runHTTPclient(row.url, server.Port(), PMString(path), PMString(row.filePathValue), PMString(row.fileName));
+    runHTTPclient(row.url, server.Port(), folder.Path("upload"), PMString(row.filePathValue), PMString(row.fileName));
     EXPECT_EQ(server.Received(), Upload(row.target, row.host + ":" + std::to_string(server.Port()), row.length,
                                         row.filePathValue, row.fileName, row.base64));
     EXPECT_TRUE(testHost.alerts.empty());
-    std::remove(path.c_str());
   }
 }
 

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "test_host.h"
+#include "text_cases.h"
 #include "text/restyle_pipeline.h"
 
 namespace talp {
@@ -25,28 +26,26 @@ namespace {
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-struct TextCase {
+struct DecimalCase {
   const char* name;
   const char* localizedDecimal;
   std::u16string_view text, want;
 };
 
-// Applies change to each case's text under the case's decimal setting and compares the result with want.
+// Applies change to each case's text under the case's decimal setting.
 template <std::size_t N>
-void ExpectEach(const TextCase (&cases)[N], void (*change)(WideString&)) {
+void ExpectEach(const DecimalCase (&cases)[N], void (*change)(WideString&)) {
   test::TestHost host;
-  for (const TextCase& c : cases) {
+  for (const DecimalCase& c : cases) {
     host.localizedDecimal = c.localizedDecimal;
-    WideString text = WideString::FromUTF16(c.text);
-    change(text);
-    EXPECT_EQ(std::u16string(text.Units()), c.want) << c.name;
+    EXPECT_EQ(Changed(c.text, change), c.want) << c.name;
   }
 }
 
 TEST(StripUserDecimal, KeepsTheNumberWithAPoint) {
-  const TextCase cases[] = {
-      {"PointDropsCommas", ".", u"1,234.5", u"1234.5"}, {"Empty", ",", u"", u""},
-      {"CommaDropsPoints", ",", u"1.234,5", u"1234.5"}, {"Minus", ".", u"-5", u"5"},
+  const DecimalCase cases[] = {
+      {"PointDropsCommas", ".", u"1,234.5", u"1234.5"}, {"CommaDropsPoints", ",", u"1.234,5", u"1234.5"},
+      {"MinusIsDropped", ".", u"-5", u"5"},
       {"OnlyAsciiDigitsStay", ",", u"\u20AC 1\u00A0234,5 \uFF17kg", u"1234.5"},
       {"UnknownSettingMeansPoint", ";", u"1,5;2.5", u"152.5"},
   };
@@ -61,48 +60,31 @@ TEST(FormatCalcNumber, WritesAsPeopleDo) {
     double value;
     const char* want;
   } cases[] = {
-      {"Integer", 20, "20"}, {"Half", 7.0 / 2, "3.5"}, {"Tenth", 0.1, "0.1"},
-      {"SumWithoutNoise", 0.1 + 0.2, "0.3"}, {"PriceTimesStock", 345.16 * 2507, "865316.12"},
-      {"Negative", -2.25, "-2.25"}, {"NegativeZero", -0.0, "0"}, {"Third", 1.0 / 3, "0.333333333333333"},
-      {"RoundsUp", 2.0 / 3, "0.666666666666667"}, {"FifteenDigits", 123456789012345.0, "123456789012345"},
-      {"SixteenDigitsRound", 1234567890123456.0, "1234567890123460"},
-      {"CarryGivesAPowerOfTen", 999999999999999.9, "1000000000000000"},
-      {"LargeWithoutExponent", 1e21, "1000000000000000000000"},
-      {"LargeKeepsFifteenDigits", 1.2345678901234567e20, "123456789012346000000"},
-      {"SmallWithoutExponent", 1e-7, "0.0000001"}, {"SmallKeepsFifteenDigits", 1.0 / 3e10, "0.0000000000333333333333333"},
-      {"ExactTieToEven", 0x1p-22, "0.000000238418579101562"}, {"Infinity", kInf, "inf"}, {"MinusInfinity", -kInf, "-inf"},
-      {"NaN", kNaN, "nan"}, {"MinusNaN", -kNaN, "-nan"},
+      {"Integer", 20, "20"}, {"SumWithoutNoise", 0.1 + 0.2, "0.3"}, {"PriceTimesStock", 345.16 * 2507, "865316.12"},
+      {"NegativeZero", -0.0, "0"}, {"LargeWithoutExponent", 1e21, "1000000000000000000000"},
+      {"SmallWithoutExponent", 1e-7, "0.0000001"}, {"ExactTieToEven", 0x1p-22, "0.000000238418579101562"},
+      {"Infinity", kInf, "inf"}, {"MinusInfinity", -kInf, "-inf"}, {"NaN", kNaN, "nan"}, {"MinusNaN", -kNaN, "-nan"},
   };
   for (const auto& c : cases) EXPECT_EQ(FormatCalcNumber(c.value).ToUTF8(), c.want) << c.name;
-  const std::string tiny = FormatCalcNumber(std::numeric_limits<double>::denorm_min()).ToUTF8();
-  EXPECT_EQ(tiny, "0." + std::string(323, '0') + "494065645841247");
-  EXPECT_EQ(FormatCalcNumber(std::numeric_limits<double>::lowest()).ToUTF8(),
-            "-179769313486232" + std::string(294, '0'));
 }
 
 // The quick ways in and out must agree with the C library everywhere: a
-// result reads back as the value printf rounds to 15 significant digits, in
-// fixed form without trailing zeros; an operand reads as from_chars reads it.
+// result is printf's 15 significant digits in fixed form without trailing
+// zeros; an operand reads as from_chars reads it.
 TEST(CalcNumbers, AgreeWithTheCLibrary) {
-  const auto rounded = [](double value) {
+  const auto check = [](double value) {
     char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.15g", value);
-    return std::strtod(buffer, nullptr);
+    std::snprintf(buffer, sizeof buffer, "%.14e", std::fabs(value));
+    std::string digits = buffer[0] + std::string(buffer + 2, 14);
+    digits.erase(digits.find_last_not_of('0') + 1);
+    const int point = std::atoi(buffer + 17) + 1, length = static_cast<int>(digits.size());
+    const std::string fixed = point <= 0       ? "0." + std::string(-point, '0') + digits
+                              : point >= length ? digits + std::string(point - length, '0')
+                                                : digits.insert(point, ".");
+    ASSERT_EQ(FormatCalcNumber(value).ToUTF8(), (value < 0 ? "-" : "") + fixed);
   };
-  const auto check = [&](double value) {
-    const std::string text = FormatCalcNumber(value).ToUTF8();
-    ASSERT_EQ(std::strtod(text.c_str(), nullptr), rounded(value)) << text;
-    ASSERT_EQ(text.find_first_of("eE"), std::string::npos) << text;
-    const std::size_t point = text.find('.');
-    if (point != std::string::npos) {
-      ASSERT_NE(text.back(), '0') << text;
-    }
-    std::string digits = text;
-    std::erase_if(digits, [](char c) { return c < '0' || c > '9'; });
-    digits.erase(0, digits.find_first_not_of('0'));
-    if (point == std::string::npos) digits.erase(digits.find_last_not_of('0') + 1);
-    ASSERT_LE(digits.size(), 15u) << text;
-  };
+  check(std::numeric_limits<double>::denorm_min());
+  check(std::numeric_limits<double>::lowest());
   // Where the quick way changes its number of decimals or gives up, and
   // values whose 16th digit is a 5.
   for (int power = -9; power <= 17; ++power) {
@@ -126,27 +108,24 @@ TEST(CalcNumbers, AgreeWithTheCLibrary) {
       if (std::isnan(value) || std::isinf(value) || value == 0) continue;
       check(value);
       char shortest[400];
-      const char* end = std::to_chars(shortest, shortest + sizeof shortest, std::fabs(value), std::chars_format::fixed).ptr;
+      const char* end = std::to_chars(shortest, std::end(shortest), std::fabs(value), std::chars_format::fixed).ptr;
+      const std::string_view text(shortest, static_cast<std::size_t>(end - shortest));
       double read = 0;
-      std::from_chars(shortest, end, read);
-      ASSERT_EQ(ReadUserNumber(WideString(std::string_view(shortest, static_cast<std::size_t>(end - shortest))).Units(),
-                               u'.'),
-                read);
+      std::from_chars(text.begin(), text.end(), read);
+      ASSERT_EQ(ReadUserNumber(WideString(text).Units(), u'.'), read);
     }
   }
 }
 
 TEST(CreateFormatString, Formats) {
-  const TextCase cases[] = {
+  const DecimalCase cases[] = {
       {"Grouped", ".", u"'1234.5','#,##0.00'", u"1,234.50"}, {"CommaDecimal", ",", u"'1234,5','#,##0.00'", u"1.234,50"},
-      {"ReadsGroupedValue", ",", u"'1.234.567,891','#,##0.##'", u"1.234.567,89"},
       {"CurrencyPrefix", ",", u"'1234,5','\u20AC #,##0.00'", u"\u20AC 1.234,50"},
-      {"UnitSuffix", ".", u"'2.25','#,##0.0 kg'", u"2.3 kg"}, {"RoundsTheTypedDigits", ".", u"'1.005','0.00'", u"1.01"},
-      {"HalfAwayFromZero", ".", u"'-2.5','0'", u"-3"}, {"CarryAddsADigit", ".", u"'999.995','#,##0.00'", u"1,000.00"},
+      {"RoundsTheTypedDigits", ".", u"'1.005','0.00'", u"1.01"}, {"HalfAwayFromZero", ".", u"'-2.5','0'", u"-3"},
+      {"CarryAddsADigit", ".", u"'999.995','#,##0.00'", u"1,000.00"},
       {"MinusBeforePrefix", ".", u"'EUR -1234.5','$#,##0.00'", u"-$1,234.50"},
-      {"RoundedToZeroHasNoSign", ".", u"'-0.001','0.00'", u"0.00"},
+      {"RoundedToZeroHasNoSign", ".", u"'-0.001','0.00'", u"0.00"}, {"ZeroPadding", ".", u"'7','0,000'", u"0,007"},
       {"OptionalDecimalsDrop", ".", u"'5.10','0.0#'", u"5.1"}, {"NoDecimalsNoPoint", ",", u"'5','0.##'", u"5"},
-      {"Zero", ".", u"'0','#'", u"0"}, {"ZeroPadding", ".", u"'7','0,000'", u"0,007"},
       {"OptionalIntegerDigit", ".", u"'0.5','#.00'", u".50"},
       {"LastGroupSizeCounts", ".", u"'1234567','#,##,#0'", u"1,23,45,67"},
       {"TypographicQuotes", ".", u"\u20181234.5\u2019,\u2018#,##0\u2019", u"1,235"},
@@ -165,9 +144,7 @@ TEST(CreateFormatString, LeavesAloneWhatItCannotRead) {
   for (const std::u16string_view text :
        {u"1234,#,##0", u"'1234'", u"'1','0','0'", u"", u"'inf','0.00'", u"'5','0.0.0'", u"'5',''", u"'5','kg'",
         u"'5','0.0,0'", u"'5','0 000'", u"\u2018x\u2019,\u20180\u2019"}) {
-    WideString changed = WideString::FromUTF16(text);
-    CreateFormatString(changed);
-    EXPECT_EQ(std::u16string(changed.Units()), text);
+    EXPECT_EQ(Changed(text, CreateFormatString), text);
   }
 }
 

@@ -28,51 +28,35 @@ std::u16string RecordNumber(int n) {
   return std::u16string(WideString(std::to_string(n) + "\t" + std::to_string(n % 3) + "\t" + note + "\t").Units());
 }
 
-// A record as its text, "#" and its fields, each followed by "|".
-std::u16string Line(std::u16string_view text, const std::vector<std::u16string_view>& fields) {
-  std::u16string line(text);
-  line += u'#';
-  for (const std::u16string_view field : fields) line.append(field).append(u"|");
-  return line;
-}
-
-std::vector<std::u16string> Expected(int count) {
-  WordStyling styling(kStyling);
-  std::vector<std::u16string> records;
-  for (int n = 0; n < count; ++n) {
-    std::u16string record = RecordNumber(n);
-    const std::vector<std::u16string_view>& fields = styling.RestyleInLoop(kHeader, record);
-    records.push_back(Line(record, fields));
-  }
-  return records;
+// Appends a record as its text, "#" and its fields, each followed by "|".
+void Append(std::vector<std::u16string>& records, std::u16string_view text,
+            const std::vector<std::u16string_view>& fields) {
+  records.emplace_back(text).push_back(u'#');
+  for (const std::u16string_view field : fields) records.back().append(field).append(u"|");
 }
 
 // The records in the order the assembler, which takes one at a time, is given them.
-std::vector<std::u16string> Piped(int count, unsigned threads, std::size_t batchSize) {
-  RestylePipeline pipeline(kStyling, threads, batchSize);
-  int n = 0;
-  std::vector<std::u16string> records;
-  pipeline.Run(
-      kHeader,
-      [&](std::u16string& record) {
-        if (n == count) return false;
-        record = RecordNumber(n++);
-        return true;
-      },
-      [&](const RestylePipeline::Record& record) { records.push_back(Line(record.text, record.fields)); });
-  return records;
-}
-
 TEST(RestylePipeline, GivesEveryRecordInOrderAsOneStylingWould) {
   test::TestHost host;
   const struct {
-    int records;
+    int count;
     unsigned threads;
     std::size_t batchSize;
-  } cases[] = {{0, 4, 3}, {1, 4, 3}, {3, 2, 3}, {100, 1, 7}, {100, 4, 1}, {1000, 3, 16}, {5000, 0, 4096}};
+  } cases[] = {{0, 4, 3}, {100, 1, 7}, {1000, 3, 16}, {5000, 0, 4096}};
   for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.records << " records, " << c.threads << " threads, batches of " << c.batchSize);
-    EXPECT_EQ(Piped(c.records, c.threads, c.batchSize), Expected(c.records));
+    SCOPED_TRACE(testing::Message() << c.count << " records, " << c.threads << " threads, batches of " << c.batchSize);
+    WordStyling styling(kStyling);
+    std::vector<std::u16string> want, got;
+    for (int n = 0; n < c.count; ++n) {
+      std::u16string record = RecordNumber(n);
+      Append(want, record, styling.RestyleInLoop(kHeader, record));
+    }
+    RestylePipeline pipeline(kStyling, c.threads, c.batchSize);
+    int n = 0;
+    pipeline.Run(
+        kHeader, [&](std::u16string& record) { return n < c.count && (record = RecordNumber(n++), true); },
+        [&](const RestylePipeline::Record& record) { Append(got, record.text, record.fields); });
+    EXPECT_EQ(got, want);
   }
 }
 

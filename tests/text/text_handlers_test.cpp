@@ -70,10 +70,6 @@ TEST(TextHandlersTest, Lines) {
     for (const auto& line : lines) got.push_back(U(line));
     EXPECT_EQ(got, c.lines);
   }
-  std::vector<WideString> lines = {W(u"a\rb")};
-  CreateLineArray(lines[0], lines);  // the array may hold the text
-  ASSERT_EQ(lines.size(), 2u);
-  EXPECT_EQ(U(lines[1]), u"b");
 }
 
 // items[n] is item n, from 0; n past the end or negative gives the last item.
@@ -101,14 +97,6 @@ TEST(TextHandlersTest, MultiCharacterItems) {
   }
   WideString text = W(u"x::y");
   EXPECT_EQ(U(GetItemUnicode(text, text, W(u"::"), 1)), u"y");
-}
-
-TEST(TextHandlersTest, DeleteFirstLastCharacters) {
-  const TextCase cases[] = {
-      {"OneAtEachEnd", u"\"ab\"", u"ab"}, {"TwoCharactersStay", u"\"\"", u"\"\""},
-      {"PairsAreCharacters", SMILE u"x" SMILE, u"x"}, {"TwoPairsStay", SMILE SMILE, SMILE SMILE},
-  };
-  ExpectEach(cases, DeleteFirstLastCharacters);
 }
 
 // Both look a name up in the same CR-separated names: the header index never

@@ -39,21 +39,6 @@ TEST(SearchReplaceTest, MyReplaceAndSearchReplaceUnicode) {
   EXPECT_EQ(U(text), u"x");
 }
 
-TEST(SearchReplaceTest, UnicodeCleaning) {
-  const struct {
-    const char* name;
-    std::u16string_view text, table, want;
-  } cases[] = {
-      {"LaterPairSeesEarlierOutput", u"a", u"a\tb\rb\tc", u"c"}, {"LineWithoutTabDeletes", u"a-b-c", u"-", u"abc"},
-      {"ThirdFieldAndFinalCRIgnored", u"ab", u"a\tx\ty\r", u"xb"}, {"EmptyFindChangesNothing", u"ab", u"\tz", u"ab"},
-  };
-  for (const auto& c : cases) {
-    WideString text = W(c.text);
-    UnicodeCleaning(text, W(c.table));
-    EXPECT_EQ(U(text), c.want) << c.name;
-  }
-}
-
 TEST(SearchReplaceTest, MergeContentToString) {
   const struct {
     const char* name;

@@ -13,17 +13,11 @@ namespace {
 
 #define DECL u"<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\r"
 
+// The scan stops one character short; a pair after "<?xml" is one character.
 TEST(XmlElementTest, IsXMLFile) {
-  const struct {
-    const char* name;
-    std::u16string_view text;
-    int want;
-  } cases[] = {
-      {"CaseSensitive", u"<?XML version", 0}, {"AtTheVeryEndNotSeen", u"ab<?xml", 0},
-      {"OneCharacterAfterIsEnough", u"<?xml ", 1}, {"PairAfterIsOneCharacter", SMILE u"<?xml" SMILE, 1},
-      {"Short", u"<?x", 0},
-  };
-  for (const auto& c : cases) EXPECT_EQ(isXMLFile(W(c.text)), c.want) << c.name;
+  EXPECT_EQ(isXMLFile(W(u"ab<?xml")), 0);
+  EXPECT_EQ(isXMLFile(W(u"<?xml ")), 1);
+  EXPECT_EQ(isXMLFile(W(SMILE u"<?xml" SMILE)), 1);
 }
 
 TEST(XmlElementTest, CountsAndNumberedElements) {
@@ -35,13 +29,12 @@ TEST(XmlElementTest, CountsAndNumberedElements) {
     long n;
     std::u16string_view nth;
   } cases[] = {
-      {"Second", two, u"Process", 2, 2, u"b"}, {"NoThird", two, u"Process", 2, 3, u""},
-      {"ZeroIsNone", two, u"Process", 2, 0, u""}, {"LongMinIsNone", two, u"Process", 2, LONG_MIN, u""},
-      {"CaseSensitive", two, u"process", 0, 1, u""}, {"TagEndingTheTextIsNotCountedButFound", u"x<P>", u"P", 0, 1, u""},
+      {"Second", two, u"Process", 2, 2, u"b"}, {"LongMinIsNone", two, u"Process", 2, LONG_MIN, u""},
+      {"TagEndingTheTextIsNotCountedButFound", u"x<P>", u"P", 0, 1, u""},
       {"PairAfterTheTag", u"<P>" SMILE, u"P", 1, 1, SMILE},
       {"OverlappingTagsCount", u"<><><>x</><>", u"><", 2, 2, u"x"},
       {"UnclosedRunsToTheEnd", u"<A>x\ty", u"A", 1, 1, u"x\ty"},
-      {"NestedSameName", u"<A><A>x</A></A>", u"A", 2, 1, u"<A>x"}, {"Empty", u"", u"A", 0, 1, u""},
+      {"NestedSameName", u"<A><A>x</A></A>", u"A", 2, 1, u"<A>x"},
   };
   // Both turn the name into its tag.
   for (const auto& c : cases) {
@@ -88,18 +81,15 @@ TEST(XmlExportTest, ExportXML) {
 TEST(XmlParseTest, ParseXML) {
   const TextCase cases[] = {
       {"NoRowsIsEmpty", DECL, u""},
-      {"WhitespaceBetweenElements", u"<ROWS>\n <ROW>\n  <a>1</a>\n  <b> 2 </b>\n </ROW>\n</ROWS>\n", u"a\tb\r1\t 2 "},
       {"SelfClosingAndMissingAreEmpty", u"<ROW><a/><b>2</b></ROW><ROW><b>4</b></ROW><ROW><a>1</a><b/></ROW>",
        u"a\tb\r\t2\r\t4\r1\t"},
       {"PlacedByNameAndUnknownNameGetsANewColumn", u"<ROW><a>1</a><b>2</b></ROW><ROW><c>5</c><b>4</b><a>3</a></ROW>",
        u"a\tb\tc\r1\t2\t\r3\t4\t5"},
       {"TabAndCRBecomeMarkers", u"<ROW><a\t>x\ty\rz</a\t></ROW>", u"a<tb>\rx<tb>y<br>z"},
       {"StoredFormsAreLeft", u"<ROW><a>&amp;~br~</a></ROW>", u"a\r&amp;~br~"},
-      {"EmptyName", u"<ROW><>1</></ROW>", u"\r1"},
       {"LessThanAndNestedMarkupAreValue", u"<ROW><a>1<2 x<i>y</i>z</a></ROW>", u"a\r1<2 x<i>y</i>z"},
       {"UnclosedChildEndsAtNextTag", u"<ROW><a>1<b>2</b></ROW>", u"a\tb\r1\t2"},
       {"UnclosedRowEndsAtNextRow", u"<ROW><a>1</a><ROW><a>2</a></ROW>", u"a\r1\r2"},
-      {"UnclosedAtTheEnd", u"<ROW><a>1", u"a\r1"},
       {"EmptyRowIsALineAndAttributesAreLeft", u"<ROW/><ROW id=\"7\"><a>1</a></ROW>", u"a\r\r1"},
       {"CommentsAndStrayClosingTagsIgnored", u"<!-- <ROW><x>1</x></ROW> --><ROW></b><a>1</a></a><!--c--></ROW>",
        u"a\r1"},
@@ -110,27 +100,16 @@ TEST(XmlParseTest, ParseXML) {
 
 // Thousands of unclosed elements and rows; a quadratic reader would not end.
 TEST(XmlParseTest, PathologicalInputsStayLinear) {
-  std::u16string unclosed = u"<ROW>";
+  std::u16string unclosed = u"<ROW>", rows;
   for (int i = 0; i < 100000; ++i) unclosed += u"<a>";
-  WideString data = W(unclosed);
-  ParseXML(data);
-  EXPECT_EQ(data.CharCount(), 2 * 100000 - 1 + 1 + 100000 - 1);
-
-  std::u16string rows;
   for (int i = 0; i < 100000; ++i) rows += u"<ROW><a>1</a>";
-  data = W(rows);
-  ParseXML(data);
-  EXPECT_EQ(data.CharCount(), 1 + 100000 * 2);
+  EXPECT_EQ(Changed(unclosed, ParseXML).size(), 2 * 100000 - 1 + 1 + 100000 - 1);
+  EXPECT_EQ(Changed(rows, ParseXML).size(), 1 + 100000 * 2);
 }
 
-TEST(XmlMarkersTest, CorrectMarkersAndEscape) {
-  const TextCase cases[] = {
-      {"Markers", u"<tb><br><sr><end>", u"~tb~~br~~sr~~end~"},
-      {"EntitiesAndEntityText", u"&<>\"'&lt;", u"&amp;&lt;&gt;&quot;&apos;&amp;lt;"},
-      {"LessThanBeforeAMarkerAndOtherTags", u"<<br><b>", u"&lt;~br~&lt;b&gt;"},
-      {"MarkerAfterText", u"x<br>tb~", u"x~br~tb~"},
-  };
-  ExpectEach(cases, EscapeValueForXML);
+// Every "~" is tried as the start of a marker. (How values are escaped shows
+// in the tables the "File" source writes.)
+TEST(XmlMarkersTest, CorrectMarkersInXML) {
   WideString stored = W(u"~~br~ ~xx~ ~tb~end~ ~br~tb~ ~sr");
   CorrectMarkersInXML(stored);
   EXPECT_EQ(U(stored), u"~<br> ~xx~ <tb>end~ <br>tb~ ~sr");

@@ -34,13 +34,14 @@ std::string Styled(const std::string& styling, const std::string& header, const 
   return text.ToUTF8();
 }
 
+// A process computing the field "out".
 Children Type(const std::string& type, const std::string& info, Children more = {}) {
-  more.insert(more.begin(), {{"ProcessType", type}, {"ProcessInfo", info}});
+  more.insert(more.begin(), {{"OutputField", "out"}, {"ProcessType", type}, {"ProcessInfo", info}});
   return more;
 }
 
-// Each process computes the field "out" of the record "Nut", "0.25", "a<br>b<tb>c" (stored with entities). In
-// the loop's form the record is the same text with TABs for its CRs.
+// Each process computes its field of the record "Nut", "0.25", "a<br>b<tb>c" (stored with entities). In the
+// loop's form the record is the same text with TABs for its CRs, and its fields are split at the CRs alone.
 TEST(WordStyling, ProcessTypesComputeTheirField) {
   test::TestHost host;
   const struct {
@@ -57,7 +58,6 @@ TEST(WordStyling, ProcessTypesComputeTheirField) {
       {"ExifTooShort", Type("Exif", "<EXIF></EXIF"), ""},
       {"Left", Type("Left", "abcdef", {{"StringLength", "3"}}), "abc"},
       // No range is clipped: a part that would leave the text is empty.
-      {"LeftNegative", Type("Left", "abc", {{"StringLength", "-1"}}), ""},
       {"LeftHuge", Type("Left", "abc", {{"StringLength", "99999999999999"}}), ""},
       {"Right", Type("Right", "abcdef", {{"StringLength", "2"}}), "ef"},
       // The end position is a count.
@@ -82,12 +82,13 @@ TEST(WordStyling, ProcessTypesComputeTheirField) {
   const std::string header = "name\rprice\rnote", record = "Nut\t0.25\ta&lt;br&gt;b&lt;tb&gt;c\t";
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    Children children = {{"OutputField", "out"}};
-    children.insert(children.end(), c.children.begin(), c.children.end());
     std::string document = "Nut\r0.25\ra&lt;br&gt;b&lt;tb&gt;c\r" + c.value + "\r";
-    EXPECT_EQ(Styled(Document({children}), header, record), document);
-    std::u16string loop(WideString(record).Units());
-    WordStyling(WideString(Document({children}))).RestyleInLoop(WideString(header), loop);
+    EXPECT_EQ(Styled(Document({c.children}), header, record), document);
+    WordStyling styling(WideString(Document({c.children})));
+    std::u16string loop(WideString(record).Units()), joined;
+    const std::vector<std::u16string_view> fields = styling.RestyleInLoop(WideString(header), loop);
+    for (std::size_t i = 0; i < fields.size(); ++i) joined.append(i ? u"\r" : u"").append(fields[i]);
+    EXPECT_EQ(WideString(joined).ToUTF8(), document);
     std::replace(document.begin(), document.end(), '\r', '\t');
     EXPECT_EQ(WideString(loop).ToUTF8(), document);
   }
@@ -123,21 +124,6 @@ TEST(WordStyling, WholeDocuments) {
     AppendHeaderFromWordStyling(WideString(c.styling), columns);
     EXPECT_EQ(columns.ToUTF8(), c.header + "\r" + c.names);
   }
-}
-
-// A CR in a value starts a new field of the loop's record; a TAB stays inside
-// its field. Values taken from a field as it is hold none; a decoded field may.
-TEST(WordStyling, ValuesSplitIntoFieldsAtTheirCRs) {
-  test::TestHost host;
-  WordStyling styling(WideString(Document({
-      Type("Left", "[note]", {{"StringLength", "3"}}),
-      Type("Left", "[name]", {{"StringLength", "2"}}),
-      Type("Replace", "[note]", {{"StringSearch", "b"}, {"StringReplace", "x"}}),
-  })));
-  std::u16string record(WideString("Nut\ta&lt;br&gt;b&lt;tb&gt;c\t").Units());
-  const std::vector<std::u16string_view> want = {u"Nut", u"a&lt;br&gt;b&lt;tb&gt;c", u"a", u"b", u"Nu", u"a",
-                                                 u"x\tc", u""};
-  EXPECT_EQ(styling.RestyleInLoop(WideString("name\rnote"), record), want);
 }
 
 // The information goes to the script in "scriptArguments", the only argument

@@ -20,8 +20,8 @@ TEST(GetClientList, SendsBareRequestAndReturnsRawAnswer) {
     const char *name, *url;
     std::string answer, target, host;
   } rows[] = {
-      {"path_headers_and_utf8_kept", "http://localhost:9/list.txt", "HTTP/1.0 200 OK\r\n\r\nA\tB\r\xc3\xa9", "/list.txt",
-       "localhost"},
+      {"path_headers_and_utf8_kept", "http://localhost:9/list.txt", "HTTP/1.0 200 OK\r\n\r\nA\tB\r\xc3\xa9",
+       "/list.txt", "localhost"},
       {"no_path", "127.0.0.1", "x", "", "127.0.0.1"}, {"empty_answer", "http://127.0.0.1/", "", "/", "127.0.0.1"},
   };
   for (const auto& row : rows) {
@@ -93,6 +93,9 @@ TEST(RunHttpClient, SendsTheMultipartRequestByteForByte) {
       {"url_port_ignored", "http://localhost:9000/in", "hello", "/in/hello.txt", "hello.txt", "//in", "localhost",
        "319", "aGVsbG8="},
       {"empty_file_no_path", "127.0.0.1", "", "", "", "/", "127.0.0.1", "289", ""},
+      // Base64 with two pads and the last letters of its alphabet, in one run longer than a mail line.
+      {"binary_in_one_run", "127.0.0.1", "\xfb\xff\xbf" + std::string(57, 'Z') + '\0', "", "", "/", "127.0.0.1", "373",
+       "+/+/WlpaWlpaWlpaWlpaWlpaWlpaWlpaWlpaWlpaWlpaWlpaWlpaWlpaWlpaWlpaWlpaWlpaWlpaWlpaAA=="},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);

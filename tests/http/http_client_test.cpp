@@ -16,10 +16,7 @@ using test::LoopbackServer;
 using test::RefusingPort;
 
 TEST(GetClientList, SendsBareRequestAndReturnsRawAnswer) {
-  const struct {
-    const char *name, *url;
-    std::string answer, target, host;
-  } rows[] = {
+  const struct { const char *name, *url; std::string answer, target, host; } rows[] = {
       {"path_headers_and_utf8_kept", "http://localhost:9/list.txt", "HTTP/1.0 200 OK\r\n\r\nA\tB\r\xc3\xa9",
        "/list.txt", "localhost"},
       {"no_path", "127.0.0.1", "x", "", "127.0.0.1"}, {"empty_answer", "http://127.0.0.1/", "", "/", "127.0.0.1"},

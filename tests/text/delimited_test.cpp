@@ -20,11 +20,9 @@ TEST(DelimitedTest, ImportAndExportHandling) {
     std::u16string_view delimited, tabs;
     const char* quote = "\"";  // exporting only
   } cases[] = {
-      {"Plain", kBoth, ",", u"a,b,c\r1,2,3", u"a\tb\tc\r1\t2\t3"},
       {"DoubledQuotesAndDelimiterInsideQuotes", kBoth, ",", u"\"say \"\"hi\"\", 1,5\",x", u"say \"hi\", 1,5\tx"},
       {"CRAndTabInsideQuotesAsMarkers", kBoth, ",", u"a\r\"x\ry\tz\",b\rc", u"a\rx<br>y<tb>z\tb\rc"},
       {"EmptyFieldsAndTrailingCR", kBoth, ",", u",\r,\r", u"\t\r\t\r"},
-      {"SemicolonFile", kBoth, ";", u"a;b,c\r\"x;y\";z", u"a\tb,c\rx;y\tz"},
       {"TabDelimiter", kBoth, "\t", u"a\tb\r\"c\td\"", u"a\tb\rc<tb>d"},
       {"EmptyDelimiterChangesNothing", kBoth, "", u"a,\"b\"", u"a,\"b\""},
       {"LineFeedAndTabInsideQuotes", kImport, ",", u"\"a\nb\tc\"", u"a<sr>b<tb>c"},
@@ -32,7 +30,6 @@ TEST(DelimitedTest, ImportAndExportHandling) {
       {"QuoteInsideOrAfterBlankIsText", kImport, ",", u"ab\"c, \"a,b\"", u"ab\"c\t \"a\tb\""},
       {"TextAfterClosingQuoteKept", kImport, ",", u"\"ab\"c\"d\",e", u"abc\"d\"\te"},
       {"UnterminatedQuoteRunsToTheEnd", kImport, ",", u"\"a,b\rc", u"a,b<br>c"},
-      {"LoneQuote", kImport, ",", u"\"", u""},
       {"PairsKept", kImport, ",", SMILE u",\"" SMILE u"\"", SMILE u"\t" SMILE},
       {"CRDelimiterOnlyEndsRecords", kImport, "\r", u"a\rb,c\r\"d\re\"", u"a\rb,c\rd<br>e"},
       {"QuoteDelimiterTurnsQuotingOff", kImport, "\"", u"a\"b\r\"c", u"a\tb\r\tc"},

@@ -64,33 +64,31 @@ TEST(RestylePipeline, GivesEveryRecordInOrderAsOneStylingWould) {
 // thread) ends the run after the workers; the pipeline can run again.
 TEST(RestylePipeline, AFailureEndsTheRunAfterTheWorkers) {
   test::TestHost host;
-  for (const unsigned threads : {1U, 4U}) {
-    for (const bool inAssembler : {true, false}) {
-      RestylePipeline pipeline(kStyling, threads, 2);
-      int read = 0, assembled = 0;
-      const auto run = [&] {
-        pipeline.Run(
-            kHeader,
-            [&](std::u16string& record) {
-              if (read == 7 && !inAssembler) throw std::runtime_error("unreadable");
-              record = RecordNumber(read);
-              return ++read < 1000;
-            },
-            [&](const RestylePipeline::Record&) {
-              if (++assembled == 5 && inAssembler) throw std::runtime_error("bad record");
-            });
-      };
-      EXPECT_THROW(run(), std::runtime_error);
-      // Nothing after a failed record; when reading fails, the batches still
-      // in the pipeline may be dropped.
-      if (inAssembler) {
-        EXPECT_EQ(assembled, 5);
-      }
-      EXPECT_LE(assembled, 6);
-      EXPECT_LT(read, 50);  // reading stopped after the batches in flight
-      read = 990;
-      EXPECT_NO_THROW(run());
+  for (const bool inAssembler : {true, false}) {
+    RestylePipeline pipeline(kStyling, 4, 2);
+    int read = 0, assembled = 0;
+    const auto run = [&] {
+      pipeline.Run(
+          kHeader,
+          [&](std::u16string& record) {
+            if (read == 7 && !inAssembler) throw std::runtime_error("unreadable");
+            record = RecordNumber(read);
+            return ++read < 1000;
+          },
+          [&](const RestylePipeline::Record&) {
+            if (++assembled == 5 && inAssembler) throw std::runtime_error("bad record");
+          });
+    };
+    EXPECT_THROW(run(), std::runtime_error);
+    // Nothing after a failed record; when reading fails, the batches still
+    // in the pipeline may be dropped.
+    if (inAssembler) {
+      EXPECT_EQ(assembled, 5);
     }
+    EXPECT_LE(assembled, 6);
+    EXPECT_LT(read, 50);  // reading stopped after the batches in flight
+    read = 990;
+    EXPECT_NO_THROW(run());
   }
 }
 

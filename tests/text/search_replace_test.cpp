@@ -40,10 +40,7 @@ TEST(SearchReplaceTest, MyReplaceAndSearchReplaceUnicode) {
 }
 
 TEST(SearchReplaceTest, MergeContentToString) {
-  const struct {
-    const char* name;
-    std::u16string_view pattern, names, values, want;
-  } cases[] = {
+  const struct { const char* name; std::u16string_view pattern, names, values, want; } cases[] = {
       {"FillsAndDecodes", u"Dear [Name], [Nope]!", u"Name", u"Ann &amp; Bo", u"Dear Ann & Bo, !"},
       {"UnclosedBracketsDropped", u"[a]x[a[b", u"a", u"v", u"vxab"},
       {"BracketsDoNotNest", u"[a[b]", u"a[b", u"v", u"v"}, {"CloseOutsideIsCopied", u"a]b[]", u"", u"v", u"a]bv"},

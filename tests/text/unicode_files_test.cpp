@@ -29,11 +29,7 @@ class UnicodeFilesTest : public testing::Test {
 // Each file is read whole from disk and in pieces of a few bytes. Its
 // encoding is "UTF-8" for the Utf8 cases only: a UTF-16 file says "ANSI".
 TEST_F(UnicodeFilesTest, ReadMixedFileDecodesByMarkAndMakesLineEndsCR) {
-  const struct {
-    const char* name;
-    std::string_view bytes;
-    std::u16string_view want;
-  } cases[] = {
+  const struct { const char* name; std::string_view bytes; std::u16string_view want; } cases[] = {
       {"Utf8MarkOnly", "\xEF\xBB\xBF", u""}, {"Utf8VerticalTabStays", "\xEF\xBB\xBF" "a\vb", u"a\vb"},
       {"Utf8LineEnds", "\xEF\xBB\xBF\na\r\nb\rc\n\r\n", u"\ra\rb\rc\r\r"},
       {"Utf8Malformed", "\xEF\xBB\xBF" "a\xFF" "b\xE2\x82\n\xE2\x82", u"a\uFFFDb\uFFFD\r\uFFFD"},

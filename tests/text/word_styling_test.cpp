@@ -44,11 +44,7 @@ Children Type(const std::string& type, const std::string& info, Children more = 
 // loop's form the record is the same text with TABs for its CRs, and its fields are split at the CRs alone.
 TEST(WordStyling, ProcessTypesComputeTheirField) {
   test::TestHost host;
-  const struct {
-    const char* name;
-    Children children;
-    std::string value;
-  } cases[] = {
+  const struct { const char* name; Children children; std::string value; } cases[] = {
       // Strictly left to right; a leading "-" is an operator.
       {"CalcLeftToRight", Type("Calc", "2+3*4"), "20"}, {"CalcLeadingMinus", Type("Calc", "-5+2"), "-3"},
       {"CalcFraction", Type("Calc", "7/2"), "3.5"}, {"CalcDivisionByZero", Type("Calc", "1/0"), "inf"},
@@ -96,10 +92,7 @@ TEST(WordStyling, ProcessTypesComputeTheirField) {
 
 // Each styling text restyles its record and appends the names of its computed fields to a header.
 TEST(WordStyling, WholeDocuments) {
-  const struct {
-    const char* name;
-    std::string styling, header, record, want, names;
-  } cases[] = {
+  const struct { const char* name; std::string styling, header, record, want, names; } cases[] = {
       // Records of the loops end with a TAB, which becomes the CR before the
       // first computed value; a record without it gets its last field extended.
       {"ValuesFollowTheRecordWithoutASeparatorOfTheirOwn",
@@ -140,7 +133,6 @@ TEST(WordStyling, ScriptProcessRunsTheScriptOnTheInformation) {
   test::Spit(folder / "bad.js", "throw 1;");
   const std::filesystem::path cwd = std::filesystem::current_path();
   std::filesystem::current_path(folder / "");
-  host.ScriptArguments().Set("other", "kept");
   std::vector<std::string> records;
   {
     const host::ScriptScope operation;
@@ -156,8 +148,6 @@ TEST(WordStyling, ScriptProcessRunsTheScriptOnTheInformation) {
   EXPECT_EQ(records,
             (std::vector<std::string>{"nut\tNUT1false\tnut\t", "nut\tNUT2false\tnut\t", "nut\tNUT3false\tnut\t"}));
   EXPECT_EQ(host.alerts, std::vector<std::string>{"The script bad.js failed: 1"});
-  EXPECT_EQ(host.ScriptArguments().Values().size(), 1u);
-  EXPECT_EQ(host.ScriptArguments().Get("other").GrabCString(), "kept");
 }
 
 }  // namespace

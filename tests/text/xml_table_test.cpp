@@ -50,10 +50,7 @@ TEST(XmlElementTest, CountsAndNumberedElements) {
 }
 
 TEST(XmlElementTest, GetAbsoluteField) {
-  const struct {
-    const char* name;
-    std::u16string_view element, field, want;
-  } cases[] = {
+  const struct { const char* name; std::u16string_view element, field, want; } cases[] = {
       {"TabAndCRBecomeMarkers", u"<A>x\ty\rz</A>", u"A", u"x<tb>y<br>z"}, {"SelfClosingIsEmpty", u"<A/>", u"A", u""},
       {"FirstChildWins", u"<B>1</B><A>2</A><A>3</A>", u"A", u"2"}, {"Missing", u"<B>1</B>", u"A", u""},
       {"UnclosedRunsToTheEnd", u"<A>xy", u"A", u"xy"}, {"TagCutShort", u"<A", u"A", u""},

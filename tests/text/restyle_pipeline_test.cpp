@@ -38,11 +38,9 @@ void Append(std::vector<std::u16string>& records, std::u16string_view text,
 // The records in the order the assembler, which takes one at a time, is given them.
 TEST(RestylePipeline, GivesEveryRecordInOrderAsOneStylingWould) {
   test::TestHost host;
-  const struct {
-    int count;
-    unsigned threads;
-    std::size_t batchSize;
-  } cases[] = {{0, 4, 3}, {100, 1, 7}, {1000, 3, 16}, {5000, 0, 4096}};
+  const struct { int count; unsigned threads; std::size_t batchSize; } cases[] = {
+      {0, 4, 3}, {100, 1, 7}, {1000, 3, 16}, {5000, 0, 4096},
+  };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.count << " records, " << c.threads << " threads, batches of " << c.batchSize);
     WordStyling styling(kStyling);

@@ -69,10 +69,9 @@ TEST_F(UnicodeFilesTest, WhatCannotBeReadLeavesOutAlone) {
   Spit(folder / "mark", "\xFF\xFE");
   fs::create_directory(folder / "sub");
   const std::vector<std::string> tooShort = {"Size of file smaller than 3 bytes!"};
-  const struct {
-    const char* name;
-    std::vector<std::string> alerts;
-  } cases[] = {{"empty", tooShort}, {"mark", tooShort}, {"missing", {}}, {"none/missing", {}}, {"sub", {}}};
+  const struct { const char* name; std::vector<std::string> alerts; } cases[] = {
+      {"empty", tooShort}, {"mark", tooShort}, {"missing", {}}, {"none/missing", {}}, {"sub", {}},
+  };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     host.alerts.clear();

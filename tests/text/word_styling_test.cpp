@@ -129,7 +129,8 @@ TEST(WordStyling, ScriptProcessRunsTheScriptOnTheInformation) {
   test::TempFolder folder;
   test::Spit(folder / "up.js",
              "var n = typeof n === 'number' ? n + 1 : 1; var a = scriptArgs;"
-             "a.set('scriptArguments', a.get('scriptArguments').toUpperCase() + n + a.isDefined('seen')); a.set('seen', 1)");
+             "a.set('scriptArguments', a.get('scriptArguments').toUpperCase() + n + a.isDefined('seen'));"
+             "a.set('seen', 1)");
   test::Spit(folder / "bad.js", "throw 1;");
   const std::filesystem::path cwd = std::filesystem::current_path();
   std::filesystem::current_path(folder / "");

@@ -15,24 +15,16 @@ std::string Env(const char* name) {
   return value ? value : "";
 }
 
-// Letters, digits and underscores of the running test's name.
+// A name of the running test's own: tests run one after the other in a
+// process, or in processes of their own.
 std::string TestTag() {
-  const testing::TestInfo* info = testing::UnitTest::GetInstance()->current_test_info();
-  std::string tag = std::string(info->test_suite_name()) + "_" + info->name();
-  for (char& c : tag) {
-    if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
-  }
-  // Database names are limited to 64 characters.
-  return "t" + std::to_string(::getpid()) + "_" + tag.substr(tag.size() > 40 ? tag.size() - 40 : 0);
+  static int tests = 0;
+  return "t" + std::to_string(::getpid()) + "_" + std::to_string(++tests);
 }
 
-}  // namespace
-
-std::string SourceName(const testing::TestParamInfo<Source>& info) {
-  return info.param == Source::kMySQL ? "MySQL" : info.param == Source::kOdbcSQLite ? "OdbcSQLite" : "OdbcMariaDB";
-}
-
-void OdbcRun(const std::string& connection, const std::string& statement, std::vector<std::string>* rows) {
+// Runs statement on an ODBC data source, given as a connection string,
+// directly through the driver manager; appends the rows as Rows does.
+void OdbcRun(const std::string& connection, const std::string& statement, std::vector<std::string>* rows = nullptr) {
   SQLHANDLE env, dbc, stmt;
   SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &env);
   SQLSetEnvAttr(env, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
@@ -56,6 +48,12 @@ void OdbcRun(const std::string& connection, const std::string& statement, std::v
   SQLDisconnect(dbc);
   SQLFreeHandle(SQL_HANDLE_DBC, dbc);
   SQLFreeHandle(SQL_HANDLE_ENV, env);
+}
+
+}  // namespace
+
+std::string SourceName(const testing::TestParamInfo<Source>& info) {
+  return info.param == Source::kMySQL ? "MySQL" : info.param == Source::kOdbcSQLite ? "OdbcSQLite" : "OdbcMariaDB";
 }
 
 void DatabaseTest::SetUp() {

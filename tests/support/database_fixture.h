@@ -114,8 +114,4 @@ std::string Diagnostics(const Operation& operation) {
   return testing::internal::GetCapturedStderr();
 }
 
-// Runs statement on an ODBC data source, given as a connection string,
-// directly through the driver manager; appends the rows as Rows does.
-void OdbcRun(const std::string& connection, const std::string& statement, std::vector<std::string>* rows = nullptr);
-
 }  // namespace talp::test

@@ -21,28 +21,25 @@ class CustomSource {
     descriptor_ = PMString(";;;;;;sku;;;Custom;;;;" + groupField + ";" + contents + ";" + columnQuery + ";;;" +
                            folder_.Path("s.js").GrabCString() + ";;cat");
   }
-  std::string Columns() {
-    return Call(WideString("old"), [&](WideString& r) { remote_.GetColumnList(descriptor_, {}, r); });
-  }
+  std::string Columns() { return Call("old", [&](WideString& r) { remote_.GetColumnList(descriptor_, {}, r); }); }
   std::string Loop(const std::string& where, const std::string& before = "") {
-    return Call(WideString(before), [&](WideString& r) { remote_.GetRecordLoop(descriptor_, r, PMString(where)); });
+    return Call(before, [&](WideString& r) { remote_.GetRecordLoop(descriptor_, r, PMString(where)); });
   }
   std::string Record(const std::string& key, const std::string& before = "") {
-    return Call(WideString(before),
-                [&](WideString& r) { remote_.GetSpecificRecord(descriptor_, PMString(key), {}, r); });
+    return Call(before, [&](WideString& r) { remote_.GetSpecificRecord(descriptor_, PMString(key), {}, r); });
   }
   std::string Group(const std::string& query, const std::string& before = "") {
-    return Call(WideString(before),
-                [&](WideString& r) { remote_.GetGroupDataLoop(descriptor_, {}, r, PMString(query)); });
+    return Call(before, [&](WideString& r) { remote_.GetGroupDataLoop(descriptor_, {}, r, PMString(query)); });
   }
   std::string List(const std::string& search) {
-    return Call(WideString(), [&](WideString& r) { remote_.GetRecordList(descriptor_, r, PMString(search), 0); });
+    return Call("", [&](WideString& r) { remote_.GetRecordList(descriptor_, r, PMString(search), 0); });
   }
   std::string Path() const { return folder_.Path("s.js").GrabCString(); }
 
  private:
   template <typename Operation>
-  static std::string Call(WideString result, const Operation& operation) {
+  static std::string Call(const std::string& before, const Operation& operation) {
+    WideString result(before);
     operation(result);
     return result.ToUTF8();
   }

@@ -68,27 +68,6 @@ TEST_P(SqlCatalogue, ColumnList) {
   }
 }
 
-// The search condition; through ODBC, whose column list has no CR after the
-// last name, the last column is never searched.
-TEST_P(SqlCatalogue, SearchString) {
-  Exec({"CREATE TABLE tt (a INT, b TEXT, c TEXT)", "CREATE TABLE t1 (a INT)"});
-  const struct { const char *input, *mysql, *odbc, *table = "tt"; } cases[] = {
-      {"", "", ""},
-      {"SELECT * FROM tt", "SELECT * FROM tt", "SELECT * FROM tt"},
-      {"WHERE id=3", " WHERE id=3", " WHERE id=3"},
-      {"x", " WHERE a LIKE '%x%' OR b LIKE '%x%' OR c LIKE '%x%'", " WHERE a LIKE '%x%' OR b LIKE '%x%'"},
-      // Not upper case, or no blank: plain text. Trusted text: the quote is not escaped.
-      {"select o'brien", " WHERE a LIKE '%select o'brien%' OR b LIKE '%select o'brien%' OR c LIKE '%select o'brien%'",
-       " WHERE a LIKE '%select o'brien%' OR b LIKE '%select o'brien%'"},
-      {"x", " WHERE a LIKE '%x%'", " WHERE ", "t1"},
-  };
-  for (const auto& c : cases) {
-    PMString search(c.input);
-    test::Diagnostics([&] { Search(c.table, search); });
-    EXPECT_EQ(search.GrabCString(), Pick(c.mysql, c.odbc)) << c.input << " in " << c.table;
-  }
-}
-
 // Every operation with a connection that fails (a refused port or an unknown
 // data source): its status and the output it leaves. Only the database list
 // says so through MySQL; through ODBC every operation alerts once, however
@@ -127,11 +106,9 @@ TEST_P(SqlCatalogue, FailedConnect) {
 
 // unixODBC reports a driver library that cannot be loaded with state 01000;
 // the process then ends, through the host, with status -1.
-class OdbcConnection : public test::SourceTest {};
-INSTANTIATE_TEST_SUITE_P(, OdbcConnection,
-                         testing::Values(test::Source::kOdbcSQLite, test::Source::kOdbcMariaDB), test::SourceName);
+class OdbcConnection : public test::DatabaseTest {};
 
-TEST_P(OdbcConnection, MissingDriverEndsTheProcess) {
+TEST_F(OdbcConnection, MissingDriverEndsTheProcess) {
   WideString result("untouched");
   const std::string diagnostics = test::Diagnostics([&] {
     try {

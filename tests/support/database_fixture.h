@@ -52,10 +52,6 @@ class DatabaseTest : public testing::Test {
     return Odbc() ? fetchColumnListODBC(user, password, dsn, table, out)
                   : fetchColumnListSQL(host, port, user, password, database, table, query, out);
   }
-  void Search(const PMString& table, PMString& search) {
-    if (Odbc()) return CreateODBCSearchString(user, password, dsn, table, search);
-    CreateSearchString(host, port, user, password, database, table, search);
-  }
   int List(const PMString& table, const PMString& sort, const PMString& shown, const PMString& search,
            const PMString& group, WideString& out) {
     return Odbc() ? fetchRecordListODBC(user, password, dsn, table, sort, shown, search, group, out)

@@ -39,8 +39,6 @@ class DatabaseTest : public testing::Test {
   void Exec(std::initializer_list<std::string> statements);
   // The rows of a query, fields joined by TAB, NULL as "\\N".
   std::vector<std::string> Rows(const std::string& query);
-  // A MySQL user of the test's own, allowed the test's database only.
-  std::string CreateUser(const std::string& suffix, const std::string& password);
 
   // The operations of the source under test, its connection filled in.
   int Tables(WideString& out) {
@@ -81,10 +79,7 @@ class DatabaseTest : public testing::Test {
   TestHost alerts;
 
  private:
-  std::string Connection() const;  // of dsn, as user
-
   std::string server_;  // the MariaDB data source
-  std::vector<std::string> users_;
   std::unique_ptr<TempFolder> folder_;  // the SQLite file's
 };
 

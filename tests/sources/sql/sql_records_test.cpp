@@ -69,11 +69,6 @@ TEST_P(SqlRecords, SpecificRecordHasOneValuePerLineThenItsGroup) {
       // The other records of the group, light and dark in turn, then their count.
       {"id", "3", "3\rScrews\rfasteners\ra<tb>b\r<pstyle:LineLight>Screws/3<br><pstyle:LineDark>Box \xF0\x9F\x93\xA6"
                   "/4\r2\r", nullptr, "cat", "[name]/[id]"},
-      // Without a line layout each row shows its fields.
-      {"id", "1", "1\rHammer\rtools\r\r<pstyle:LineLight>1\tHammer\ttools\t\t<br><pstyle:LineDark>"
-                  "2\tDrill\ttools\ttwo<br>\nlines\t\r2\r",
-       "1\rHammer\rtools\rtools\r<pstyle:LineLight>1\tHammer\ttools\ttools\t<br><pstyle:LineDark>"
-       "2\tDrill\ttools\ttwo<br><sr>lines\t\r2\r", "cat"},
   };
   for (const auto& c : cases) {
     WideString result("untouched");

@@ -40,10 +40,9 @@ struct RecordingSources {
   template <typename Signature>
   void Record(std::function<Signature>& slot, std::string name) {
     slot = [this, name](const auto&... args) {
-      std::string call = name + "(";
-      std::string separator;
+      std::string call, separator;
       ((call += separator + Show(args), separator = "|"), ...);
-      calls.push_back(call + ")");
+      calls.push_back(name + "(" + call + ")");
       return S;
     };
   }

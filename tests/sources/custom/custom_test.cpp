@@ -76,13 +76,11 @@ TEST(CustomSource, EachOperationsLayoutAndArguments) {
       {"LoopWhereFirstColumn", all.Loop("where cat = '4'"), "4\tpin\tA\r"},
       {"RecordFromLineOne", all.Record("1"), "1\rnut\rA"},
       {"RecordLastLineNeverExamined", all.Record("5", "x\ty"), "x\ry"},
-      {"RecordFirstOfEqualKeys", CustomSource(Serves("sku\\tn", "7\\ta\\r7\\tb\\r")).Record("7"), "7\ra"},
       {"GroupNoneGivesLinesFromTheLineArray", byNone.Group(""),
        "1\tnut\tA\t\r2\tbolt\tA\t\r3\twasher\tB\t\r4\tpin\tA\t\r"},
       {"GroupFoldsRunsWithoutCounts", byCat.Group("", "x"),
        "x\r1\tnut\tA\t\t<pstyle:LineDark>nut<br><pstyle:LineLight>bolt\r3\twasher\tB\t\t<pstyle:LineDark>washer\r"
        "4\tpin\tA\t\t<pstyle:LineLight>pin"},
-      {"GroupQuerySelects", byCat.Group("where cat = 'b'"), "3\twasher\tB\t\t<pstyle:LineDark>washer"},
       {"ListIsTheLoopsRecords", all.List(""), "2\tA\r3\tB\r4\tA\r"},
       {"SetsNothing", CustomSource("var a = 1;").Columns() + CustomSource("").Loop("") + CustomSource("").Group(""),
        ""},

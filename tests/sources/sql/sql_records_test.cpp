@@ -106,7 +106,7 @@ TEST_P(SqlRecords, Loop) {
 // value is empty). The rules of the runs themselves (only consecutive records
 // fold, an empty loop gives the count of an empty run, earlier output closes
 // as a run, a styling's computed fields reach the output) are shared by every
-// source: file_queries_test.cpp.
+// source: file_source_test.cpp.
 TEST_P(SqlRecords, GroupLoopFoldsRunsOfEqualValues) {
   Exec({"CREATE TABLE gg (id INT PRIMARY KEY, k TEXT, v TEXT)",
         "INSERT INTO gg VALUES (1, 'A', 'one'), (2, 'A', 'two\tt'), (3, 'B', 'three\r\n'), (4, 'A', NULL)"});
@@ -147,7 +147,6 @@ TEST_P(SqlRecords, UpdateWritesTheQuotedValueAtTheUnquotedKey) {
       // back whole: the record list above).
       {"\xF0\x9F\x8E\xB8 \xF0\x9D\x84\x9E", "id", "2", "1\tnew|2\t\xF0\x9F\x8E\xB8 \xF0\x9D\x84\x9E"},
       {"x", "cat", "'tools'", "1\tx|2\tx"},  // a text key brings its own quotes
-      {"y", "id", "99", "1\tx|2\tx"},        // no record: nothing happens, nothing is said
       // The value is not escaped.
       {"it's", "id", "1", "1\tx|2\tx", "syntax"},
   };

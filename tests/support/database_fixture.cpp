@@ -47,10 +47,6 @@ std::vector<std::string> OdbcRun(const std::string& connection, const std::strin
 
 }  // namespace
 
-std::string SourceName(const testing::TestParamInfo<Source>& info) {
-  return info.param == Source::kMySQL ? "MySQL" : info.param == Source::kOdbcSQLite ? "OdbcSQLite" : "OdbcMariaDB";
-}
-
 void DatabaseTest::SetUp() {
   host = PMString(Env("TALP_MYSQL_HOST"));
   port = std::atoi(Env("TALP_MYSQL_PORT").c_str());

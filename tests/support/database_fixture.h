@@ -89,7 +89,9 @@ class SourceTest : public DatabaseTest, public testing::WithParamInterface<Sourc
  protected:
   Source Kind() const override { return GetParam(); }
 };
-std::string SourceName(const testing::TestParamInfo<Source>& info);
+inline std::string SourceName(const testing::TestParamInfo<Source>& info) {
+  return info.param == Source::kMySQL ? "MySQL" : info.param == Source::kOdbcSQLite ? "OdbcSQLite" : "OdbcMariaDB";
+}
 #define ON_EVERY_SOURCE(suite)                                                                            \
   INSTANTIATE_TEST_SUITE_P(, suite,                                                                       \
                            testing::Values(::talp::test::Source::kMySQL, ::talp::test::Source::kOdbcSQLite, \

@@ -112,7 +112,8 @@ TEST_F(OdbcConnection, MissingDriverEndsTheProcess) {
       EXPECT_EQ(exit.status, -1);
     }
   });
-  EXPECT_TRUE(diagnostics.starts_with("1: SQLDriverConnect = [unixODBC][Driver Manager]Can't open lib '")) << diagnostics;
+  EXPECT_TRUE(diagnostics.starts_with("1: SQLDriverConnect = [unixODBC][Driver Manager]Can't open lib '"))
+      << diagnostics;
   EXPECT_TRUE(diagnostics.ends_with("no-such-driver.so' : file not found (0) SQLSTATE=01000\n")) << diagnostics;
   EXPECT_TRUE(alerts.alerts.empty());
 }

@@ -15,24 +15,10 @@ std::string Env(const char* name) {
   return value ? value : "";
 }
 
-// Letters, digits and underscores of the running test's name.
-std::string TestTag() {
-  const testing::TestInfo* info = testing::UnitTest::GetInstance()->current_test_info();
-  std::string tag = std::string(info->test_suite_name()) + "_" + info->name();
-  for (char& c : tag) {
-    if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
-  }
-  // Database names are limited to 64 characters.
-  return "t" + std::to_string(::getpid()) + "_" + tag.substr(tag.size() > 40 ? tag.size() - 40 : 0);
-}
-
-}  // namespace
-
-std::string SourceName(const testing::TestParamInfo<Source>& info) {
-  return info.param == Source::kMySQL ? "MySQL" : info.param == Source::kOdbcSQLite ? "OdbcSQLite" : "OdbcMariaDB";
-}
-
-void OdbcRun(const std::string& connection, const std::string& statement, std::vector<std::string>* rows) {
+// Runs statement on an ODBC data source, given as a connection string,
+// directly through the driver manager; its rows as Rows gives them.
+std::vector<std::string> OdbcRun(const std::string& connection, const std::string& statement) {
+  std::vector<std::string> rows;
   SQLHANDLE env, dbc, stmt;
   SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &env);
   SQLSetEnvAttr(env, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
@@ -43,20 +29,23 @@ void OdbcRun(const std::string& connection, const std::string& statement, std::v
   EXPECT_TRUE(SQL_SUCCEEDED(SQLExecDirect(stmt, reinterpret_cast<SQLCHAR*>(query.data()), SQL_NTS))) << statement;
   SQLSMALLINT columns = 0;
   SQLNumResultCols(stmt, &columns);
-  for (char value[4096]; rows && columns > 0 && SQL_SUCCEEDED(SQLFetch(stmt));) {
+  for (char value[4096]; columns > 0 && SQL_SUCCEEDED(SQLFetch(stmt));) {
     std::string line;
     for (SQLUSMALLINT c = 1; c <= columns; ++c) {
       SQLLEN length = 0;
       SQLGetData(stmt, c, SQL_C_CHAR, value, sizeof value, &length);
       line += (c > 1 ? "\t" : "") + std::string(length == SQL_NULL_DATA ? "\\N" : value);
     }
-    rows->push_back(line);
+    rows.push_back(line);
   }
   SQLFreeHandle(SQL_HANDLE_STMT, stmt);
   SQLDisconnect(dbc);
   SQLFreeHandle(SQL_HANDLE_DBC, dbc);
   SQLFreeHandle(SQL_HANDLE_ENV, env);
+  return rows;
 }
+
+}  // namespace
 
 void DatabaseTest::SetUp() {
   host = PMString(Env("TALP_MYSQL_HOST"));
@@ -74,8 +63,10 @@ void DatabaseTest::SetUp() {
     return;
   }
   // The MariaDB driver sets up the MySQL tests' data too: the code under
-  // test never prepares what it is tested on.
-  const std::string name = TestTag();
+  // test never prepares what it is tested on. Tests run one after the other
+  // in a process, or in processes of their own.
+  static int tests = 0;
+  const std::string name = "t" + std::to_string(::getpid()) + "_" + std::to_string(++tests);
   dsn = PMString(server_);
   Exec({"DROP DATABASE IF EXISTS " + name, "CREATE DATABASE " + name + " CHARACTER SET utf8mb4"});
   database = PMString(name);
@@ -84,34 +75,16 @@ void DatabaseTest::SetUp() {
 
 void DatabaseTest::TearDown() {
   if (database.IsEmpty()) return;
-  // A test may have changed them.
-  dsn = PMString(server_);
-  user = PMString(Env("TALP_MYSQL_USER"));
-  password = PMString(Env("TALP_MYSQL_PASSWORD"));
-  for (const std::string& name : users_) Exec({"DROP USER IF EXISTS '" + name + "'@'%'"});
+  dsn = PMString(server_);  // a test may have changed it
   Exec({"DROP DATABASE IF EXISTS " + database.GrabCString()});
 }
 
 void DatabaseTest::Exec(std::initializer_list<std::string> statements) {
-  for (const std::string& statement : statements) OdbcRun(Connection(), statement);
+  for (const std::string& statement : statements) Rows(statement);
 }
 
 std::vector<std::string> DatabaseTest::Rows(const std::string& query) {
-  std::vector<std::string> rows;
-  OdbcRun(Connection(), query, &rows);
-  return rows;
-}
-
-std::string DatabaseTest::Connection() const {
-  return "DSN=" + dsn.GrabCString() + ";UID=" + user.GrabCString() + ";PWD=" + password.GrabCString();
-}
-
-std::string DatabaseTest::CreateUser(const std::string& suffix, const std::string& secret) {
-  const std::string name = "u" + std::to_string(::getpid()) + suffix;
-  users_.push_back(name);
-  Exec({"CREATE USER '" + name + "'@'%' IDENTIFIED BY '" + secret + "'",
-        "GRANT ALL ON " + database.GrabCString() + ".* TO '" + name + "'@'%'"});
-  return name;
+  return OdbcRun("DSN=" + dsn.GrabCString() + ";UID=" + user.GrabCString() + ";PWD=" + password.GrabCString(), query);
 }
 
 }  // namespace talp::test

@@ -39,8 +39,6 @@ class DatabaseTest : public testing::Test {
   void Exec(std::initializer_list<std::string> statements);
   // The rows of a query, fields joined by TAB, NULL as "\\N".
   std::vector<std::string> Rows(const std::string& query);
-  // A MySQL user of the test's own, allowed the test's database only.
-  std::string CreateUser(const std::string& suffix, const std::string& password);
 
   // The operations of the source under test, its connection filled in.
   int Tables(WideString& out) {
@@ -51,10 +49,6 @@ class DatabaseTest : public testing::Test {
   int Columns(const PMString& table, WideString& out, const PMString& query = "") {
     return Odbc() ? fetchColumnListODBC(user, password, dsn, table, out)
                   : fetchColumnListSQL(host, port, user, password, database, table, query, out);
-  }
-  void Search(const PMString& table, PMString& search) {
-    if (Odbc()) return CreateODBCSearchString(user, password, dsn, table, search);
-    CreateSearchString(host, port, user, password, database, table, search);
   }
   int List(const PMString& table, const PMString& sort, const PMString& shown, const PMString& search,
            const PMString& group, WideString& out) {
@@ -85,10 +79,7 @@ class DatabaseTest : public testing::Test {
   TestHost alerts;
 
  private:
-  std::string Connection() const;  // of dsn, as user
-
   std::string server_;  // the MariaDB data source
-  std::vector<std::string> users_;
   std::unique_ptr<TempFolder> folder_;  // the SQLite file's
 };
 
@@ -98,7 +89,9 @@ class SourceTest : public DatabaseTest, public testing::WithParamInterface<Sourc
  protected:
   Source Kind() const override { return GetParam(); }
 };
-std::string SourceName(const testing::TestParamInfo<Source>& info);
+inline std::string SourceName(const testing::TestParamInfo<Source>& info) {
+  return info.param == Source::kMySQL ? "MySQL" : info.param == Source::kOdbcSQLite ? "OdbcSQLite" : "OdbcMariaDB";
+}
 #define ON_EVERY_SOURCE(suite)                                                                            \
   INSTANTIATE_TEST_SUITE_P(, suite,                                                                       \
                            testing::Values(::talp::test::Source::kMySQL, ::talp::test::Source::kOdbcSQLite, \
@@ -113,9 +106,5 @@ std::string Diagnostics(const Operation& operation) {
   operation();
   return testing::internal::GetCapturedStderr();
 }
-
-// Runs statement on an ODBC data source, given as a connection string,
-// directly through the driver manager; appends the rows as Rows does.
-void OdbcRun(const std::string& connection, const std::string& statement, std::vector<std::string>* rows = nullptr);
 
 }  // namespace talp::test

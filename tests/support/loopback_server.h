@@ -11,19 +11,6 @@
 
 namespace talp::test {
 
-// A listening socket on 127.0.0.1; the port is chosen by the system.
-class LoopbackListener {
- public:
-  LoopbackListener();
-  int Port() const { return port_; }
-  // The next client, or an invalid descriptor after 5 seconds without one.
-  host::UniqueFd Accept();
-
- private:
-  host::UniqueFd socket_;
-  int port_ = 0;
-};
-
 // A port on 127.0.0.1 that refuses connections: bound for the object's
 // lifetime, never listening.
 class RefusingPort {
@@ -31,12 +18,16 @@ class RefusingPort {
   RefusingPort();
   int Port() const { return port_; }
 
- private:
+ protected:
+  explicit RefusingPort(bool listen);
+
   host::UniqueFd socket_;
   int port_ = 0;
 };
 
-class LoopbackServer {
+// Listens, on the socket a RefusingPort only binds, at a port the system
+// chooses; a client that does not come within 5 seconds is served by no one.
+class LoopbackServer : RefusingPort {
  public:
   enum class Mode {
     kAnswerAfterBlankLine,  // read up to "\r\n\r\n", send the answer, close
@@ -49,14 +40,13 @@ class LoopbackServer {
   LoopbackServer(const LoopbackServer&) = delete;
   LoopbackServer& operator=(const LoopbackServer&) = delete;
 
-  int Port() const { return listener_.Port(); }
+  using RefusingPort::Port;
   // Waits until the connection is over; the exact bytes the client sent.
   const std::string& Received();
 
  private:
   void Serve(Mode mode, const std::vector<std::string>& answer);
 
-  LoopbackListener listener_;
   std::string received_;
   std::thread thread_;
 };

@@ -1,13 +1,11 @@
 // Host services for tests: alerts and file remarks are recorded instead of
 // shown, a process exit throws ProcessExit instead of ending the test run,
 // files are the platform's (or bytes in memory), settings can be changed, and
-// scripts run in the platform's runner unless another one is supplied.
-// Installs itself for its lifetime.
+// scripts run in the platform's runner. Installs itself for its lifetime.
 #pragma once
 
 #include <algorithm>
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -35,9 +33,6 @@ class TestHost : public host::PlatformHostServices {
     remarks.push_back(path.GrabCString());
   }
   [[noreturn]] void ExitProcess(int status) override { throw ProcessExit{status}; }
-  std::unique_ptr<host::IScriptRunner> FindScriptRunner(const PMString& scriptPath) override {
-    return scriptRunnerFactory ? scriptRunnerFactory(scriptPath) : PlatformHostServices::FindScriptRunner(scriptPath);
-  }
   PMString LocalizedDecimal() const override { return localizedDecimal; }
   host::AnsiText Ansi() const override { return ansi; }
   std::chrono::milliseconds FileLockWait() const override { return fileLockWait; }
@@ -46,7 +41,6 @@ class TestHost : public host::PlatformHostServices {
   std::vector<std::string> remarks;  // paths remarked on
   host::AnsiText ansi = host::AnsiText::kWindows1252;
   std::chrono::milliseconds fileLockWait{30000};
-  std::function<std::unique_ptr<host::IScriptRunner>(const PMString&)> scriptRunnerFactory;
   PMString localizedDecimal = ".";
 
  private:

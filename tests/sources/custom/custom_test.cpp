@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "sources/custom/custom_data.h"
 #include "talp/talp_remote.h"
 #include "temp_folder.h"
 #include "test_host.h"
@@ -22,28 +21,25 @@ class CustomSource {
     descriptor_ = PMString(";;;;;;sku;;;Custom;;;;" + groupField + ";" + contents + ";" + columnQuery + ";;;" +
                            folder_.Path("s.js").GrabCString() + ";;cat");
   }
-  std::string Columns() {
-    return Call(WideString("old"), [&](WideString& r) { remote_.GetColumnList(descriptor_, {}, r); });
-  }
+  std::string Columns() { return Call("old", [&](WideString& r) { remote_.GetColumnList(descriptor_, {}, r); }); }
   std::string Loop(const std::string& where, const std::string& before = "") {
-    return Call(WideString(before), [&](WideString& r) { remote_.GetRecordLoop(descriptor_, r, PMString(where)); });
+    return Call(before, [&](WideString& r) { remote_.GetRecordLoop(descriptor_, r, PMString(where)); });
   }
   std::string Record(const std::string& key, const std::string& before = "") {
-    return Call(WideString(before),
-                [&](WideString& r) { remote_.GetSpecificRecord(descriptor_, PMString(key), {}, r); });
+    return Call(before, [&](WideString& r) { remote_.GetSpecificRecord(descriptor_, PMString(key), {}, r); });
   }
   std::string Group(const std::string& query, const std::string& before = "") {
-    return Call(WideString(before),
-                [&](WideString& r) { remote_.GetGroupDataLoop(descriptor_, {}, r, PMString(query)); });
+    return Call(before, [&](WideString& r) { remote_.GetGroupDataLoop(descriptor_, {}, r, PMString(query)); });
   }
   std::string List(const std::string& search) {
-    return Call(WideString(), [&](WideString& r) { remote_.GetRecordList(descriptor_, r, PMString(search), 0); });
+    return Call("", [&](WideString& r) { remote_.GetRecordList(descriptor_, r, PMString(search), 0); });
   }
   std::string Path() const { return folder_.Path("s.js").GrabCString(); }
 
  private:
   template <typename Operation>
-  static std::string Call(WideString result, const Operation& operation) {
+  static std::string Call(const std::string& before, const Operation& operation) {
+    WideString result(before);
     operation(result);
     return result.ToUTF8();
   }
@@ -80,20 +76,12 @@ TEST(CustomSource, EachOperationsLayoutAndArguments) {
       {"LoopWhereFirstColumn", all.Loop("where cat = '4'"), "4\tpin\tA\r"},
       {"RecordFromLineOne", all.Record("1"), "1\rnut\rA"},
       {"RecordLastLineNeverExamined", all.Record("5", "x\ty"), "x\ry"},
-      {"RecordFirstOfEqualKeys", CustomSource(Serves("sku\\tn", "7\\ta\\r7\\tb\\r")).Record("7"), "7\ra"},
-      {"RecordUnknownKeyFieldUsesLastColumn",
-       CustomSource(Serves("id\\tname\\tcat", "1\\tnut\\tA\\r2\\tbolt\\tB\\r")).Record("B"), "2\rbolt\rB"},
       {"GroupNoneGivesLinesFromTheLineArray", byNone.Group(""),
        "1\tnut\tA\t\r2\tbolt\tA\t\r3\twasher\tB\t\r4\tpin\tA\t\r"},
       {"GroupFoldsRunsWithoutCounts", byCat.Group("", "x"),
        "x\r1\tnut\tA\t\t<pstyle:LineDark>nut<br><pstyle:LineLight>bolt\r3\twasher\tB\t\t<pstyle:LineDark>washer\r"
        "4\tpin\tA\t\t<pstyle:LineLight>pin"},
-      {"GroupQuerySelects", byCat.Group("where cat = 'b'"), "3\twasher\tB\t\t<pstyle:LineDark>washer"},
-      {"GroupUnknownFieldGroupsByLastColumn", CustomSource(kCatalogue, "nope", "[sku]").Group("pin"),
-       "4\tpin\tA\t\t<pstyle:LineDark>4"},
-      {"GroupDataWithoutCR", CustomSource(Serves("a", "1"), "a").Group("", "x"), "x"},
       {"ListIsTheLoopsRecords", all.List(""), "2\tA\r3\tB\r4\tA\r"},
-      {"ListSearches", all.List("pin"), "4\tA\r"},
       {"SetsNothing", CustomSource("var a = 1;").Columns() + CustomSource("").Loop("") + CustomSource("").Group(""),
        ""},
       {"EchoColumns", echo.Columns(), "sku\rcat\rcolq|grp|[sku]|true|false"},
@@ -118,22 +106,6 @@ TEST(CustomSource, FailuresAndIsolation) {
   EXPECT_EQ(host.alerts, std::vector<std::string>(5, "The script " + failing.Path() + " failed: Error: late (line 1)"));
   CustomSource counter("var n = typeof n === 'number' ? n + 1 : 1; scriptArgs.set('HeaderData', 'n' + n);");
   EXPECT_EQ(counter.Columns() + counter.Columns(), "n1n1");
-}
-
-// The bracketing calls hold when the runner throws: the host's arguments are
-// put back. A real runner does not throw, so this one is made to.
-TEST(CustomSource, ArgumentsPutBackWhenTheRunnerThrows) {
-  struct Throwing : host::IScriptRunner {
-    bool CanRunFile(const PMString&) override { return true; }
-    void RunFile(const PMString&) override { throw 1; }
-  };
-  test::TestHost host;
-  host.scriptRunnerFactory = [](const PMString&) { return std::make_unique<Throwing>(); };
-  host.ScriptArguments().Set("DataQuery", "kept");
-  WideString header, data;
-  EXPECT_THROW(GetCustomDataFromScript("s.js", header, data, "q", "g", "c"), int);
-  EXPECT_EQ(host.ScriptArguments().Values().size(), 1u);
-  EXPECT_EQ(host.ScriptArguments().Get("DataQuery").GrabCString(), "kept");
 }
 
 }  // namespace

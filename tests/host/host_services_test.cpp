@@ -11,7 +11,6 @@
 #include <string>
 
 #include "temp_folder.h"
-#include "test_host.h"
 
 // Every umask call of the process passes here, so a test can tell that
 // writing a file never changes the umask, which is shared by all threads.
@@ -67,23 +66,14 @@ TEST(PlatformFiles, NewFilesTakeTheUmaskWithoutTouchingIt) {
 }
 
 // The lock lives in a hidden file beside the data file, which a replacement
-// of the data file leaves alone; a second holder waits, then gives up.
-TEST(PlatformFiles, UpdateLockExcludesUntilReleased) {
-  using std::chrono::milliseconds;
+// of the data file leaves alone and other programs can lock too. (Waiting for
+// another holder, the File source's update tests show.)
+TEST(PlatformFiles, UpdateLockLivesBesideTheDataFile) {
   TempFolder folder;
   PlatformHostServices host;
-  const PMString data = folder.Path("data.txt");
-  FileLockAttempt first = host.LockFileForUpdate(data, milliseconds(0));
-  ASSERT_NE(first.lock, nullptr);
+  const FileLockAttempt lock = host.LockFileForUpdate(folder.Path("data.txt"), std::chrono::milliseconds(0));
+  ASSERT_NE(lock.lock, nullptr);
   EXPECT_TRUE(fs::exists(folder / ".data.txt.talp-lock"));
-  const FileLockAttempt second = host.LockFileForUpdate(data, milliseconds(30));
-  EXPECT_EQ(second.lock, nullptr);
-  EXPECT_TRUE(second.timedOut);
-  first.lock.reset();
-  EXPECT_NE(host.LockFileForUpdate(data, milliseconds(0)).lock, nullptr);
-  const FileLockAttempt nowhere = host.LockFileForUpdate(folder.Path("no/such/data.txt"), milliseconds(0));
-  EXPECT_FALSE(nowhere.lock || nowhere.timedOut);
-  EXPECT_EQ(nowhere.failure, "No such file or directory");
 }
 
 TEST(PlatformAlert, OneLinePerAlertOnStandardError) {
@@ -92,27 +82,6 @@ TEST(PlatformAlert, OneLinePerAlertOnStandardError) {
   host.InformationAlert(PMString("Timeout"));
   host.InformationAlert(PMString("two\r\nlines"));
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "alert: Timeout\nalert: two  lines\n");
-}
-
-TEST(HostServicesScope, InstallsAndRestores) {
-  HostServices* before = &Host();
-  {
-    test::TestHost host;
-    EXPECT_EQ(&Host(), &host);
-    CAlert::InformationAlert(PMString("NOT CONNECTED TO BASE"));
-    EXPECT_EQ(host.alerts, std::vector<std::string>{"NOT CONNECTED TO BASE"});
-  }
-  EXPECT_EQ(&Host(), before);
-}
-
-TEST(PlatformExit, ReallyEndsTheProcess) {
-  EXPECT_EXIT(
-      {
-        PlatformHostServices host;
-        ScopedHostServices scope(host);
-        EndProcess(3);
-      },
-      testing::ExitedWithCode(3), "");
 }
 
 }  // namespace

@@ -1,9 +1,8 @@
 #!/usr/bin/env bash
 # The Debian package, built as `make package` builds it: named
 # talpremote_VERSION_ARCH.deb, it holds the installed files under /usr and
-# nothing else; it depends on exactly the packages that hold the libraries its
-# binaries link; apt finds it installable here; and dpkg installs it into a
-# root of its own and removes it again, leaving nothing behind.
+# nothing else; and it depends on exactly the packages that hold the libraries
+# its binaries link.
 # Usage: deb_test.sh BUILD SOURCE VERSION LIBDIR
 . "$(dirname "$0")/common.sh"
 
@@ -13,8 +12,6 @@ deb=$work/talpremote_${version}_$(dpkg --print-architecture).deb
 
 dpkg-deb -x "$deb" "$work/contents"
 diff <(expected_files) <(files_below "$work/contents/usr") || fail "the package's files differ from installed_files.txt"
-[[ $(dpkg-deb -f "$deb" Package Version) == "Package: talpremote
-Version: $version" ]] || fail "name or version: $(dpkg-deb -f "$deb" Package Version)"
 
 # The packages that hold the libraries the binaries name as needed.
 linked=$(for binary in $(find "$work/contents" -type f -exec sh -c 'file -b "$1" | grep -q ^ELF' _ {} \; -print); do
@@ -24,21 +21,5 @@ linked=$(for binary in $(find "$work/contents" -type f -exec sh -c 'file -b "$1"
          done | sort -u | paste -sd' ' -)
 depends=$(dpkg-deb -f "$deb" Depends | sed -e 's/ *([^)]*)//g' -e 's/,//g' | tr ' ' '\n' | sort -u | paste -sd' ' -)
 [[ -n $depends && $depends == "$linked" ]] || fail "Depends: $depends; the binaries link libraries of: $linked"
-apt-get install --simulate --quiet "$deb" > "$work/apt.log" 2>&1 && grep -q '^Inst talpremote ' "$work/apt.log" ||
-  { cat "$work/apt.log"; fail "apt cannot install the package here"; }
 
-root=$work/root
-mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
-touch "$root/var/lib/dpkg/status"
-# The root's own package database knows none of the dependencies, which apt checked above.
-in_root=(dpkg --root="$root" --force-not-root --force-script-chrootless)
-"${in_root[@]}" --force-depends --install "$deb" > "$work/dpkg.log" 2>&1 || { cat "$work/dpkg.log"; fail "dpkg --install"; }
-[[ $(dpkg-query --admindir="$root/var/lib/dpkg" -W -f='${db:Status-Abbrev}' talpremote) == "ii " ]] ||
-  fail "not installed: $(cat "$work/dpkg.log")"
-diff <(expected_files) <(files_below "$root/usr") || fail "dpkg installed other files"
-[[ $("$root/usr/bin/talp" --version) == "talp $version" ]] || fail "the installed talp: $("$root/usr/bin/talp" --version)"
-"${in_root[@]}" --purge talpremote > "$work/dpkg.log" 2>&1 || { cat "$work/dpkg.log"; fail "dpkg --purge"; }
-left=$(find "$root" -mindepth 1 -path "$root/var" -prune -o -print)
-[[ -z $left ]] || fail "left behind: $left"
-if dpkg-query --admindir="$root/var/lib/dpkg" -W talpremote 2> /dev/null; then fail "still known to dpkg"; fi
 exit $((failures > 0))

@@ -53,9 +53,7 @@ done
 # Private dependencies stay private: users of the shared library neither
 # link them nor see their headers.
 for program in shared/library_host pkg-config/library_host; do
-  needed=$(readelf -d "$work/$program" | grep NEEDED)
-  [[ $needed == *"[libtalpremote.so.0]"* ]] || fail "$program does not link libtalpremote.so.0: $needed"
-  [[ $needed != *mariadb* ]] || fail "$program links the MariaDB client itself"
+  [[ $(readelf -d "$work/$program") != *mariadb* ]] || fail "$program links the MariaDB client itself"
 done
 [[ ${pc_flags[*]} != *mariadb* ]] || fail "pkg-config gives MariaDB's flags: ${pc_flags[*]}"
 exit $((failures > 0))

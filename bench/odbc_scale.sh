@@ -9,6 +9,8 @@ set -euo pipefail
 build=${1:-build-release}
 rows=${2:-1000000}
 cd "$(dirname "$0")/.."
+# shellcheck source=bench/timing.sh
+. bench/timing.sh
 talp="$build/talp"
 work=$(mktemp -d)
 db=$(mktemp -d /tmp/talp-odbc-bench-db.XXXXXX)
@@ -52,20 +54,8 @@ echo "$list_sql" >"$work/list.sql"
 echo "$all_sql" >"$work/all.sql"
 isql_run() { sh -c 'isql -b -x0x09 talp_bench <"$1"' _ "$work/$1.sql"; }
 
-# median of five runs of a command, its output written to a file
-median() {
-  local times=() start end
-  for _ in 1 2 3 4 5; do
-    start=$(date +%s.%N)
-    "$@" >"$work/out" || true  # the loop answers 1
-    end=$(date +%s.%N)
-    times+=("$(echo "$end - $start" | bc)")
-  done
-  printf '%.3f\n' "$(printf '%s\n' "${times[@]}" | sort -n | sed -n 3p)"
-}
-peak() { { /usr/bin/time -f %M "$@" 2>&1 >"$work/out" || true; } | tail -1; }
-mb() { echo "scale=1; $1 / 1048576" | bc; }
-ratio() { printf '%.2f' "$(echo "scale=4; $1 / $2" | bc)"; }
+median() { median_seconds 5 "$work/out" "$@"; }  # the loop answers 1
+peak() { peak_kib "$work/out" "$@"; }
 
 declare -A t m o
 measure() {

@@ -10,25 +10,15 @@ talp="$build/talp"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$(dirname "$0")/.."
+# shellcheck source=bench/timing.sh
+. bench/timing.sh
 
 python3 bench/make_catalogue.py "$records" "$work/big"
 python3 bench/make_catalogue.py "$((records / 10))" "$work/small"
 echo "catalogue: $records records, $(stat -c %s "$work/big.txt") bytes (TAB), $(stat -c %s "$work/big.csv") bytes (comma)"
 
-# median of three runs of a command, each writing its output to a file
-median() {
-  local times=()
-  for _ in 1 2 3; do
-    local start end
-    start=$(date +%s.%N)
-    "$@" > "$work/out"
-    end=$(date +%s.%N)
-    times+=("$(echo "$end - $start" | bc)")
-  done
-  printf '%s\n' "${times[@]}" | sort -n | sed -n 2p
-}
-
-peak() { /usr/bin/time -f %M "$@" 2>&1 >/dev/null | tail -1; }
+median() { median_seconds 3 "$work/out" "$@"; }
+peak() { peak_kib /dev/null "$@"; }
 
 word=chisel
 like="where sku LIKE '1000%'"
@@ -58,7 +48,6 @@ for round in 1 2; do  # alternate the tools so that neither gets a warmer cache
 done
 t[python_csv]=$(median csv_to_tab "$work/big.csv")
 
-ratio() { echo "scale=2; $1 / $2" | bc; }
 size=$(stat -c %s "$work/big.txt")
 mem_word=$(peak "$talp" loop --type File --file "$work/big.txt" --where "$word")
 mem_all=$(peak "$talp" loop --type File --file "$work/big.txt")

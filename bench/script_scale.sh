@@ -12,20 +12,12 @@ talp="$(cd "$build" && pwd)/talp"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$(dirname "$0")/.."
+# shellcheck source=bench/timing.sh
+. bench/timing.sh
 
 python3 bench/make_catalogue.py "$records" "$work/big"
 
-median() {
-  local times=()
-  for _ in 1 2 3; do
-    local start end
-    start=$(date +%s.%N)
-    "$@" > "$work/out"
-    end=$(date +%s.%N)
-    times+=("$(echo "$end - $start" | bc)")
-  done
-  printf '%s\n' "${times[@]}" | sort -n | sed -n 2p
-}
+median() { median_seconds 3 "$work/out" "$@"; }
 
 declare -A t
 for round in 1 2; do  # alternate, so that neither gets a warmer cache
